@@ -1,0 +1,237 @@
+#include "foundation/Database.h"
+
+#include <QAtomicInt>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+
+namespace brimsett {
+
+namespace {
+
+QAtomicInt g_connectionCounter;
+
+DbError errorOf(const QString& doing, const QString& statement, const QSqlError& e) {
+    QString text = e.databaseText().isEmpty() ? e.text() : e.databaseText();
+    if (text.isEmpty()) {
+        text = QStringLiteral("unknown database error");
+    }
+    return DbError(doing, statement, text, e.nativeErrorCode());
+}
+
+// The old Windows engine's files carry this text near their start.
+bool isOldEngineFile(const QString& file) {
+    QFile f(file);
+    if (!f.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray head = f.read(32);
+    return head.contains("Standard Jet DB") || head.contains("Standard ACE DB");
+}
+
+
+}  // namespace
+
+QString OpenFailure::title() const { return QStringLiteral("Error"); }
+
+QStringList OpenFailure::lines() const {
+    switch (kind) {
+        case Kind::NotFound:
+            return {QStringLiteral("Brimsett could not find your database at this location:"),
+                    location,
+                    QString(),
+                    QStringLiteral("Possible causes:"),
+                    QStringLiteral("* If you are on a network the server computer "),
+                    QStringLiteral("may be turned off."),
+                    QStringLiteral("* You may have entered an invalid path on the "),
+                    QStringLiteral("Options Screen."),
+                    QStringLiteral("* Your database may be damaged or was deleted."),
+                    QString(),
+                    QStringLiteral("Please contact Technical Support for assistance.")};
+        case Kind::PermissionDenied:
+            return {QStringLiteral("Brimsett could not open the database at this location:"),
+                    location,
+                    QStringLiteral("Reason: Permission was denied."),
+                    QStringLiteral("The database file may be read-only,"),
+                    QStringLiteral("or you are using a limited account and do not have full "
+                                   "access to the folder.")};
+        case Kind::OldFormat:
+            return {QStringLiteral("Could not open the database."),
+                    QStringLiteral("Location: ") + location,
+                    QStringLiteral("This file is a database of the older Windows billing program "
+                                   "(Access/Jet format)."),
+                    QStringLiteral("It must be converted before Brimsett can use it; the file "
+                                   "was left as it is.")};
+        case Kind::Refused:
+            break;
+    }
+    return {QStringLiteral("Could not open the database."), QStringLiteral("Location: ") + location,
+            QStringLiteral("Error #") + engineCode + QStringLiteral(" ") + engineText};
+}
+
+Database::Database(std::unique_ptr<Dialect> dialect, QSqlDatabase db, QString location)
+    : m_dialect(std::move(dialect)),
+      m_db(std::move(db)),
+      m_location(std::move(location)),
+      m_connectionName(m_db.connectionName()) {}
+
+Database::~Database() { close(); }
+
+void Database::close() {
+    if (m_connectionName.isEmpty()) {
+        return;
+    }
+    m_db.close();
+    m_db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_connectionName);
+    m_connectionName.clear();
+}
+
+Database::OpenResult Database::openSqlite(const QString& file) {
+    const QFileInfo info(file);
+    if (!info.exists()) {
+        return OpenFailure{OpenFailure::Kind::NotFound, file, {}, {}};
+    }
+    const QFileInfo folder(info.absolutePath());
+    // SQLite writes its journal beside the file, so the folder must be writable too.
+    if (!info.isReadable() || !info.isWritable() || !folder.isWritable()) {
+        return OpenFailure{OpenFailure::Kind::PermissionDenied, file, {}, {}};
+    }
+    if (isOldEngineFile(file)) {
+        return OpenFailure{OpenFailure::Kind::OldFormat, file, {}, {}};
+    }
+    auto dialect = std::make_unique<SqliteDialect>();
+    const QString name = QStringLiteral("brimsett-%1").arg(g_connectionCounter.fetchAndAddRelaxed(1));
+    QSqlDatabase db = QSqlDatabase::addDatabase(dialect->driver(), name);
+    db.setDatabaseName(file);
+    // Wait for another program or computer holding the write lock rather than failing.
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000;QSQLITE_OPEN_URI=0"));
+    auto fail = [&](const QSqlError& e) {
+        OpenFailure failure{OpenFailure::Kind::Refused, file, e.nativeErrorCode(),
+                            e.databaseText().isEmpty() ? e.text() : e.databaseText()};
+        db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(name);
+        return failure;
+    };
+    if (!db.open()) {
+        return fail(db.lastError());
+    }
+    {
+        // Opening is lazy: read the schema to find a file that is not a database at all.
+        QSqlQuery probe(db);
+        if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
+            const QSqlError e = probe.lastError();
+            probe = QSqlQuery();
+            db.close();
+            return fail(e);
+        }
+    }
+    dialect->prepareConnection(db);
+    return std::unique_ptr<Database>(new Database(std::move(dialect), db, file));
+}
+
+std::unique_ptr<Database> Database::createSqlite(const QString& file) {
+    if (!QFileInfo::exists(file)) {
+        QFile f(file);
+        if (!f.open(QIODevice::WriteOnly)) {
+            throw DbError(QStringLiteral("creating the database"), {},
+                          QStringLiteral("cannot create %1: %2").arg(file, f.errorString()));
+        }
+    }
+    auto result = openSqlite(file);
+    if (auto* failure = std::get_if<OpenFailure>(&result)) {
+        throw DbError(QStringLiteral("opening the database"), {}, failure->lines().join(QLatin1Char(' ')),
+                      failure->engineCode);
+    }
+    return std::move(std::get<std::unique_ptr<Database>>(result));
+}
+
+QSqlQuery Database::exec(const QString& statement, const QVariantList& values, const QString& doing) {
+    QSqlQuery q(m_db);
+    q.setForwardOnly(true);
+    if (values.isEmpty()) {
+        if (!q.exec(statement)) {
+            throw errorOf(doing, statement, q.lastError());
+        }
+        return q;
+    }
+    if (!q.prepare(statement)) {
+        throw errorOf(doing, statement, q.lastError());
+    }
+    for (const QVariant& v : values) {
+        q.addBindValue(v);
+    }
+    if (!q.exec()) {
+        throw errorOf(doing, statement, q.lastError());
+    }
+    return q;
+}
+
+QVariant Database::scalar(const QString& statement, const QVariantList& values, const QString& doing) {
+    QSqlQuery q = exec(statement, values, doing);
+    return q.next() ? q.value(0) : QVariant();
+}
+
+bool Database::hasTable(const QString& table) const {
+    const QStringList names = m_dialect->tableNames(m_db);
+    return std::any_of(names.begin(), names.end(), [&](const QString& n) {
+        return n.compare(table, Qt::CaseInsensitive) == 0;
+    });
+}
+
+bool Database::hasColumn(const QString& table, const QString& column) const {
+    const QStringList names = m_dialect->columnNames(m_db, table);
+    return std::any_of(names.begin(), names.end(), [&](const QString& n) {
+        return n.compare(column, Qt::CaseInsensitive) == 0;
+    });
+}
+
+void* Database::nativeHandle() const {
+    const QVariant v = m_db.driver()->handle();
+    return v.isValid() ? *static_cast<void* const*>(v.constData()) : nullptr;
+}
+
+Transaction::Transaction(Database& db, const QString& doing) : m_db(db) {
+    m_level = ++m_db.m_depth;
+    try {
+        if (m_level == 1) {
+            m_db.exec(m_db.dialect().beginTransaction(), {}, doing);
+        } else {
+            m_db.exec(m_db.dialect().savepoint(QStringLiteral("sp%1").arg(m_level)), {}, doing);
+        }
+    } catch (...) {
+        --m_db.m_depth;
+        throw;
+    }
+}
+
+void Transaction::commit() {
+    if (m_done) {
+        return;
+    }
+    if (m_level == 1) {
+        m_db.exec(QStringLiteral("COMMIT"), {}, QStringLiteral("committing"));
+    } else {
+        m_db.exec(m_db.dialect().releaseSavepoint(QStringLiteral("sp%1").arg(m_level)));
+    }
+    m_done = true;
+    --m_db.m_depth;
+}
+
+Transaction::~Transaction() {
+    if (m_done) {
+        return;
+    }
+    QSqlQuery q(m_db.m_db);
+    if (m_level == 1) {
+        q.exec(QStringLiteral("ROLLBACK"));
+    } else {
+        const QString sp = QStringLiteral("sp%1").arg(m_level);
+        q.exec(m_db.dialect().rollbackToSavepoint(sp));
+        q.exec(m_db.dialect().releaseSavepoint(sp));
+    }
+    --m_db.m_depth;
+}
+
+}  // namespace brimsett

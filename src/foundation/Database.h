@@ -1,0 +1,89 @@
+#pragma once
+
+#include "foundation/DbError.h"
+#include "foundation/Dialect.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+#include <variant>
+
+namespace brimsett {
+
+// Why the database could not be opened, and the message the user is shown for it.
+struct OpenFailure {
+    enum class Kind { NotFound, PermissionDenied, OldFormat, Refused };
+    Kind kind = Kind::Refused;
+    QString location;
+    QString engineCode;
+    QString engineText;
+
+    QString title() const;
+    QStringList lines() const;
+};
+
+// The one open database of a process. Every statement goes through exec(), which throws a
+// DbError naming what was being done when the engine refuses it.
+class Database {
+public:
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    using OpenResult = std::variant<std::unique_ptr<Database>, OpenFailure>;
+    // Opens an existing SQLite file; a missing file is not created.
+    static OpenResult openSqlite(const QString& file);
+    // Creates (or opens) an SQLite file; for new databases and tests.
+    static std::unique_ptr<Database> createSqlite(const QString& file);
+
+    const Dialect& dialect() const { return *m_dialect; }
+    QSqlDatabase& connection() { return m_db; }
+    QString location() const { return m_location; }
+
+    QSqlQuery exec(const QString& statement, const QVariantList& values = {},
+                   const QString& doing = {});
+    // First column of the first row; an invalid QVariant when there is no row.
+    QVariant scalar(const QString& statement, const QVariantList& values = {},
+                    const QString& doing = {});
+
+    bool hasTable(const QString& table) const;
+    bool hasColumn(const QString& table, const QString& column) const;
+
+    // The engine's own handle (sqlite3*), for the backup API and custom functions.
+    void* nativeHandle() const;
+    void close();
+
+    // Used by Transaction.
+    int transactionDepth() const { return m_depth; }
+
+private:
+    friend class Transaction;
+    Database(std::unique_ptr<Dialect> dialect, QSqlDatabase db, QString location);
+
+    std::unique_ptr<Dialect> m_dialect;
+    QSqlDatabase m_db;
+    QString m_location;
+    QString m_connectionName;
+    int m_depth = 0;
+};
+
+// One user action is one transaction: rolled back unless commit() was called. Nested
+// transactions become savepoints of the outer one.
+class Transaction {
+public:
+    explicit Transaction(Database& db, const QString& doing = {});
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit();
+
+private:
+    Database& m_db;
+    int m_level = 0;
+    bool m_done = false;
+};
+
+}  // namespace brimsett

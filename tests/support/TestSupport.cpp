@@ -1,0 +1,43 @@
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace brimsett::test {
+
+TempOffice::TempOffice()
+    : m_store(std::make_unique<SettingsStore>(m_dir.path() + QStringLiteral("/settings/Zandor.ini"))) {}
+
+QString TempOffice::folder() const { return m_dir.path() + QLatin1Char('/'); }
+
+QString TempOffice::file(const QString& name) const { return folder() + name; }
+
+QString TempOffice::settingsFile() const { return m_dir.path() + QStringLiteral("/settings/Zandor.ini"); }
+
+std::unique_ptr<Database> TempOffice::emptyDatabase(const QString& name) const {
+    return Database::createSqlite(file(name));
+}
+
+QString readText(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QString::fromUtf8(f.readAll());
+}
+
+void writeText(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        f.write(bytes);
+    }
+}
+
+QString samplesFolder() {
+    const QString dir = QStringLiteral(BRIMSETT_SAMPLES);
+    return QDir(dir).exists() ? dir : QString();
+}
+
+}  // namespace brimsett::test
