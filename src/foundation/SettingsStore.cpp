@@ -51,7 +51,10 @@ bool SettingsStore::contains(const QString& section, const QString& key) const {
     return m_settings->contains(keyOf(section, key));
 }
 
-void SettingsStore::sync() { m_settings->sync(); }
+bool SettingsStore::sync() {
+    m_settings->sync();
+    return m_settings->status() == QSettings::NoError;
+}
 
 bool SettingsStore::readFlag(const QString& section, const QString& key, const QString& def) const {
     return get(section, key, def) == QLatin1String("1");

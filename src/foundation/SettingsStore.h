@@ -22,7 +22,8 @@ public:
     void save(const QString& section, const QString& key, const QString& value);
     void remove(const QString& section, const QString& key);
     bool contains(const QString& section, const QString& key) const;
-    void sync();
+    // Writes pending changes; false when the file could not be written.
+    bool sync();
 
     // The four typed helpers.
     bool readFlag(const QString& section, const QString& key, const QString& def = {}) const;

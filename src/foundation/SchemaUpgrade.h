@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+namespace brimsett {
+
+class Database;
+
+// Brings an older office database up to the current layout by adding the columns and
+// tables it lacks, always with the same statements in the same order. Returns true when
+// the database already had everything, false when it changed anything. A statement the
+// engine refuses throws DbError; the statements run before it stay done, so the next start
+// finds only the remaining work.
+bool upgradeSchema(Database& db);
+
+}  // namespace brimsett
