@@ -75,15 +75,18 @@ constexpr std::array<TableStep, 4> kTableSteps = {{
 
 }  // namespace
 
-bool upgradeSchema(Database& db) {
+bool upgradeSchema(Database& db, QStringList* executed) {
     bool unchanged = true;
     for (const ColumnStep& step : kColumnSteps) {
         const QString table = QString::fromLatin1(step.table);
         if (db.hasColumn(table, QString::fromLatin1(step.column)) || step.statement == nullptr) {
             continue;
         }
-        db.exec(db.dialect().ddl(QString::fromLatin1(step.statement)), {},
-                QStringLiteral("updating table %1").arg(table));
+        const QString statement = QString::fromLatin1(step.statement);
+        db.exec(db.dialect().ddl(statement), {}, QStringLiteral("updating table %1").arg(table));
+        if (executed) {
+            executed->append(statement);
+        }
         unchanged = false;
     }
     for (const TableStep& step : kTableSteps) {
@@ -92,8 +95,11 @@ bool upgradeSchema(Database& db) {
             continue;
         }
         // A new table alone does not ask for a restart: no screen depends on it at start.
-        db.exec(db.dialect().ddl(QString::fromLatin1(step.statement)), {},
-                QStringLiteral("creating table %1").arg(table));
+        const QString statement = QString::fromLatin1(step.statement);
+        db.exec(db.dialect().ddl(statement), {}, QStringLiteral("creating table %1").arg(table));
+        if (executed) {
+            executed->append(statement);
+        }
     }
     return unchanged;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace brimsett {
 
@@ -11,6 +12,7 @@ class Database;
 // the database already had everything, false when it changed anything. A statement the
 // engine refuses throws DbError; the statements run before it stay done, so the next start
 // finds only the remaining work.
-bool upgradeSchema(Database& db);
+// `executed`, when given, receives each statement run, in order.
+bool upgradeSchema(Database& db, QStringList* executed = nullptr);
 
 }  // namespace brimsett
