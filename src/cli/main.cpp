@@ -1,1 +1,66 @@
-int main() { return 0; }
+#include "cli/CliSession.h"
+
+#include <QCoreApplication>
+
+#include <functional>
+#include <map>
+
+using namespace brimsett;
+
+namespace {
+
+const char* kUsage =
+    "usage: brimsett-cli [--home DIR] [--settings FILE] [--yes] COMMAND ...\n"
+    "commands:\n"
+    "  init                      create or open the database, apply a restore, update it\n"
+    "  sql STATEMENT             run one statement; a query prints tab-separated rows\n"
+    "  settings get SECTION KEY  print a setting\n"
+    "  settings set SECTION KEY VALUE\n"
+    "  backup                    make a dated backup of the database\n"
+    "  send WORD [ARGS]          send a command word to the running program\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QStringList args = app.arguments().mid(1);
+    QString home;
+    QString settingsFile;
+    bool yes = false;
+    while (!args.isEmpty() && args.first().startsWith(QStringLiteral("--"))) {
+        const QString option = args.takeFirst();
+        if (option == QLatin1String("--yes")) {
+            yes = true;
+        } else if ((option == QLatin1String("--home") || option == QLatin1String("--settings")) &&
+                   !args.isEmpty()) {
+            (option == QLatin1String("--home") ? home : settingsFile) = args.takeFirst();
+        } else if (option == QLatin1String("--help")) {
+            QTextStream(stdout) << kUsage;
+            return 0;
+        } else {
+            QTextStream(stderr) << "brimsett-cli: unknown option " << option << "\n" << kUsage;
+            return 2;
+        }
+    }
+    if (args.isEmpty()) {
+        QTextStream(stderr) << kUsage;
+        return 2;
+    }
+    const std::map<QString, std::function<int(CliSession&, const QStringList&)>> commands = {
+        {QStringLiteral("init"), commandInit},         {QStringLiteral("sql"), commandSql},
+        {QStringLiteral("settings"), commandSettings}, {QStringLiteral("backup"), commandBackup},
+        {QStringLiteral("send"), commandSend},
+    };
+    const QString word = args.takeFirst();
+    const auto it = commands.find(word);
+    if (it == commands.end()) {
+        QTextStream(stderr) << "brimsett-cli: unknown command " << word << "\n" << kUsage;
+        return 2;
+    }
+    CliSession session(home, settingsFile, yes);
+    try {
+        return it->second(session, args);
+    } catch (const DbError& e) {
+        return fail(e.message());
+    }
+}

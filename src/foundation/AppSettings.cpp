@@ -11,9 +11,15 @@ const QString kGeneral = QStringLiteral("General");
 const QString kOptions = QStringLiteral("Options");
 const QString kOn = QStringLiteral("1");
 
-QString optionKey(int n) { return QStringLiteral("Option%1").arg(n); }
-QString labelKey(int n) { return QStringLiteral("OptionChartLabel%1").arg(n); }
-QString switchKey(int n) { return QStringLiteral("Switch%1").arg(n); }
+QString optionKey(int n) {
+    return QStringLiteral("Option%1").arg(n);
+}
+QString labelKey(int n) {
+    return QStringLiteral("OptionChartLabel%1").arg(n);
+}
+QString switchKey(int n) {
+    return QStringLiteral("Switch%1").arg(n);
+}
 
 }  // namespace
 
@@ -33,10 +39,12 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
     s.lastDoctorReconcile = store.get(kGeneral, QStringLiteral("LastDoctorReconcile"));
     s.lastDoctorPTC = store.get(kGeneral, QStringLiteral("LastDoctorPTC"));
     s.lastDoctorApp = store.get(kGeneral, QStringLiteral("LastDoctorApp"));
-    s.submitMethod = store.readNumber(kGeneral, QStringLiteral("SubmitMethod"), QStringLiteral("0"));
+    s.submitMethod =
+        store.readNumber(kGeneral, QStringLiteral("SubmitMethod"), QStringLiteral("0"));
     s.edtPasswordReminder =
         store.readNumber(kGeneral, QStringLiteral("EDTPasswordReminder"), QStringLiteral("0"));
-    s.diskIDCounter = store.readNumber(kGeneral, QStringLiteral("DiskIDCounter"), QStringLiteral("0"));
+    s.diskIDCounter =
+        store.readNumber(kGeneral, QStringLiteral("DiskIDCounter"), QStringLiteral("0"));
 
     // A store that has never held switch 1 is a first run: turn on the switches a new
     // office expects before reading them all.
@@ -55,12 +63,16 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
     s.invoiceMessage = store.readLines(kOptions, QStringLiteral("InvoiceMessage"));
     s.referralFormMessage = store.readLines(kOptions, QStringLiteral("ReferralFormMessage"));
     s.receiptMessage = store.readLines(kOptions, QStringLiteral("ReceiptMessage"));
-    s.printInvoice = store.readNumber(kOptions, QStringLiteral("PrintInvoice"), QStringLiteral("0"));
-    s.printReceipt = store.readNumber(kOptions, QStringLiteral("PrintReceipt"), QStringLiteral("0"));
+    s.printInvoice =
+        store.readNumber(kOptions, QStringLiteral("PrintInvoice"), QStringLiteral("0"));
+    s.printReceipt =
+        store.readNumber(kOptions, QStringLiteral("PrintReceipt"), QStringLiteral("0"));
     s.printLabelEnvelope =
         store.readNumber(kOptions, QStringLiteral("PrintLabelEnvelope"), QStringLiteral("0"));
-    s.printLabelChart = store.readNumber(kOptions, QStringLiteral("PrintLabelChart"), QStringLiteral("0"));
-    s.printLabelCount = store.readNumber(kOptions, QStringLiteral("PrintLabelCount"), QStringLiteral("1"));
+    s.printLabelChart =
+        store.readNumber(kOptions, QStringLiteral("PrintLabelChart"), QStringLiteral("0"));
+    s.printLabelCount =
+        store.readNumber(kOptions, QStringLiteral("PrintLabelCount"), QStringLiteral("1"));
     for (int n = 1; n <= kLabelSwitchCount; ++n) {
         s.optionChartLabel[n] = store.readFlag(kOptions, labelKey(n));
     }
@@ -94,7 +106,8 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
     s.columnServCode = store.readFlag(app, QStringLiteral("ColumnServCode"), kOn);
     s.columnDiagCode = store.readFlag(app, QStringLiteral("ColumnDiagCode"), kOn);
     s.alwaysAskTime = store.readFlag(app, QStringLiteral("AlwaysAskTime"), QStringLiteral("0"));
-    s.dontPrintOutside = store.readFlag(app, QStringLiteral("DontPrintOutside"), QStringLiteral("0"));
+    s.dontPrintOutside =
+        store.readFlag(app, QStringLiteral("DontPrintOutside"), QStringLiteral("0"));
     s.appLineHeight = store.readReal(app, QStringLiteral("LineHeight"), QStringLiteral("1"));
     s.dailyCalendar = store.readFlag(app, QStringLiteral("DailyCalendar"), kOn);
     s.sevenDayWeek = store.readFlag(app, QStringLiteral("SevenDayWeek"), QStringLiteral("0"));
@@ -102,10 +115,12 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
     const QString print = QStringLiteral("Print");
     s.printFontName = store.get(print, QStringLiteral("FontName"), QStringLiteral("Arial"));
     s.printFontSize = store.readNumber(print, QStringLiteral("FontSize"), QStringLiteral("12"));
-    s.printHeaderFontSize = store.readNumber(print, QStringLiteral("HeaderFontSize"), QStringLiteral("22"));
+    s.printHeaderFontSize =
+        store.readNumber(print, QStringLiteral("HeaderFontSize"), QStringLiteral("22"));
     s.printColor = store.readNumber(print, QStringLiteral("PrintColor"), QStringLiteral("0"));
     s.printLineHeight = store.readReal(print, QStringLiteral("LineHeight"), QStringLiteral("1.2"));
-    s.printSkipHeaderLines = store.readNumber(print, QStringLiteral("SkipHeaderLines"), QStringLiteral("0"));
+    s.printSkipHeaderLines =
+        store.readNumber(print, QStringLiteral("SkipHeaderLines"), QStringLiteral("0"));
     return s;
 }
 

@@ -30,10 +30,11 @@ bool isOldEngineFile(const QString& file) {
     return head.contains("Standard Jet DB") || head.contains("Standard ACE DB");
 }
 
-
 }  // namespace
 
-QString OpenFailure::title() const { return QStringLiteral("Error"); }
+QString OpenFailure::title() const {
+    return QStringLiteral("Error");
+}
 
 QStringList OpenFailure::lines() const {
     switch (kind) {
@@ -51,8 +52,7 @@ QStringList OpenFailure::lines() const {
                     QStringLiteral("Please contact Technical Support for assistance.")};
         case Kind::PermissionDenied:
             return {QStringLiteral("Brimsett could not open the database at this location:"),
-                    location,
-                    QStringLiteral("Reason: Permission was denied."),
+                    location, QStringLiteral("Reason: Permission was denied."),
                     QStringLiteral("The database file may be read-only,"),
                     QStringLiteral("or you are using a limited account and do not have full "
                                    "access to the folder.")};
@@ -76,7 +76,9 @@ Database::Database(std::unique_ptr<Dialect> dialect, QSqlDatabase db, QString lo
       m_location(std::move(location)),
       m_connectionName(m_db.connectionName()) {}
 
-Database::~Database() { close(); }
+Database::~Database() {
+    close();
+}
 
 void Database::close() {
     if (m_connectionName.isEmpty()) {
@@ -102,7 +104,8 @@ Database::OpenResult Database::openSqlite(const QString& file) {
         return OpenFailure{OpenFailure::Kind::OldFormat, file, {}, {}};
     }
     auto dialect = std::make_unique<SqliteDialect>();
-    const QString name = QStringLiteral("brimsett-%1").arg(g_connectionCounter.fetchAndAddRelaxed(1));
+    const QString name =
+        QStringLiteral("brimsett-%1").arg(g_connectionCounter.fetchAndAddRelaxed(1));
     QSqlDatabase db = QSqlDatabase::addDatabase(dialect->driver(), name);
     db.setDatabaseName(file);
     // Wait for another program or computer holding the write lock rather than failing.
@@ -141,13 +144,14 @@ std::unique_ptr<Database> Database::createSqlite(const QString& file) {
     }
     auto result = openSqlite(file);
     if (auto* failure = std::get_if<OpenFailure>(&result)) {
-        throw DbError(QStringLiteral("opening the database"), {}, failure->lines().join(QLatin1Char(' ')),
-                      failure->engineCode);
+        throw DbError(QStringLiteral("opening the database"), {},
+                      failure->lines().join(QLatin1Char(' ')), failure->engineCode);
     }
     return std::move(std::get<std::unique_ptr<Database>>(result));
 }
 
-QSqlQuery Database::exec(const QString& statement, const QVariantList& values, const QString& doing) {
+QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
+                         const QString& doing) {
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
     if (values.isEmpty()) {
@@ -168,7 +172,8 @@ QSqlQuery Database::exec(const QString& statement, const QVariantList& values, c
     return q;
 }
 
-QVariant Database::scalar(const QString& statement, const QVariantList& values, const QString& doing) {
+QVariant Database::scalar(const QString& statement, const QVariantList& values,
+                          const QString& doing) {
     QSqlQuery q = exec(statement, values, doing);
     return q.next() ? q.value(0) : QVariant();
 }

@@ -31,7 +31,9 @@ QString longDate(const QDate& date) {
                           : QString();
 }
 
-QString stamp(const QDateTime& moment) { return moment.toString(QStringLiteral("yyyyMMdd-HHmmss")); }
+QString stamp(const QDateTime& moment) {
+    return moment.toString(QStringLiteral("yyyyMMdd-HHmmss"));
+}
 
 QDate fromYyyymmdd(const QString& text) {
     static const QRegularExpression form(QStringLiteral("^(\\d{4})(\\d{2})(\\d{2})$"));

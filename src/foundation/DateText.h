@@ -8,10 +8,10 @@
 // comparisons, "YYYY/MM/DD" on screens and in settings, and the long date of headings.
 namespace brimsett::datetext {
 
-QString yyyymmdd(const QDate& date);           // "20261122"; empty for an invalid date
-QString slashed(const QDate& date);            // "2026/11/22"; empty for an invalid date
-QString longDate(const QDate& date);           // "Sunday, November 22, 2026"
-QString stamp(const QDateTime& moment);        // "20261122-143005" for file names
+QString yyyymmdd(const QDate& date);     // "20261122"; empty for an invalid date
+QString slashed(const QDate& date);      // "2026/11/22"; empty for an invalid date
+QString longDate(const QDate& date);     // "Sunday, November 22, 2026"
+QString stamp(const QDateTime& moment);  // "20261122-143005" for file names
 
 // Strict readers: an invalid QDate for anything that is not exactly the form.
 QDate fromYyyymmdd(const QString& text);

@@ -6,7 +6,9 @@
 
 namespace brimsett {
 
-QStringList Dialect::tableNames(const QSqlDatabase& db) const { return db.tables(QSql::Tables); }
+QStringList Dialect::tableNames(const QSqlDatabase& db) const {
+    return db.tables(QSql::Tables);
+}
 
 QStringList Dialect::columnNames(const QSqlDatabase& db, const QString& table) const {
     QStringList names;
@@ -20,7 +22,9 @@ QStringList Dialect::columnNames(const QSqlDatabase& db, const QString& table) c
 // SQLite takes the old type names as they stand: "Text(4)" has text affinity, "Long",
 // "Bit", "YesNo", "DateTime" and "Currency" numeric affinity, so integers (money in
 // ten-thousandths included) stay integers and ISO date texts stay texts.
-QString SqliteDialect::ddl(const QString& statement) const { return statement; }
+QString SqliteDialect::ddl(const QString& statement) const {
+    return statement;
+}
 
 QStringList SqliteDialect::tableNames(const QSqlDatabase& db) const {
     QStringList names;

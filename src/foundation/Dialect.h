@@ -26,7 +26,9 @@ public:
 
     // Statements of a write transaction and of a nested one.
     virtual QString beginTransaction() const { return QStringLiteral("BEGIN"); }
-    virtual QString savepoint(const QString& name) const { return QStringLiteral("SAVEPOINT ") + name; }
+    virtual QString savepoint(const QString& name) const {
+        return QStringLiteral("SAVEPOINT ") + name;
+    }
     virtual QString releaseSavepoint(const QString& name) const {
         return QStringLiteral("RELEASE SAVEPOINT ") + name;
     }

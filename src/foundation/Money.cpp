@@ -108,7 +108,9 @@ std::optional<Money> Money::fromVariant(const QVariant& value) {
     return Money(units);
 }
 
-std::int64_t Money::roundedCents() const { return roundDiv(m_units, 100); }
+std::int64_t Money::roundedCents() const {
+    return roundDiv(m_units, 100);
+}
 
 QString Money::plain(const MoneyFormat& format) const {
     const std::int64_t cents = roundedCents();

@@ -14,7 +14,9 @@ namespace brimsett {
 // system's currency format; the grouping character is the other of "," and ".".
 struct MoneyFormat {
     QChar decimal = QLatin1Char('.');
-    QChar group() const { return decimal == QLatin1Char(',') ? QLatin1Char('.') : QLatin1Char(','); }
+    QChar group() const {
+        return decimal == QLatin1Char(',') ? QLatin1Char('.') : QLatin1Char(',');
+    }
 };
 
 // An exact amount of money: a signed count of ten-thousandths of a dollar.

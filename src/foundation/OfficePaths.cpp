@@ -39,7 +39,8 @@ QString OfficePaths::databaseFile(const QString& dbPath) const {
     }
     const QFileInfo info(path);
     const bool namesFile = path.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive) ||
-                           path.endsWith(QStringLiteral(".db"), Qt::CaseInsensitive) || info.isFile();
+                           path.endsWith(QStringLiteral(".db"), Qt::CaseInsensitive) ||
+                           info.isFile();
     if (namesFile) {
         return path;
     }

@@ -13,7 +13,9 @@ namespace {
 const QString kLineBreak = QStringLiteral("\r\n");
 const QString kStoredBreak = QStringLiteral("_|_");
 
-QString keyOf(const QString& section, const QString& key) { return section + QLatin1Char('/') + key; }
+QString keyOf(const QString& section, const QString& key) {
+    return section + QLatin1Char('/') + key;
+}
 
 }  // namespace
 
@@ -25,7 +27,9 @@ QString SettingsStore::defaultPath() {
 SettingsStore::SettingsStore(const QString& iniPath)
     : m_settings(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {}
 
-QString SettingsStore::path() const { return m_settings->fileName(); }
+QString SettingsStore::path() const {
+    return m_settings->fileName();
+}
 
 QString SettingsStore::get(const QString& section, const QString& key, const QString& def) const {
     const QVariant v = m_settings->value(keyOf(section, key));
@@ -77,7 +81,8 @@ int SettingsStore::numberOf(const QString& text) {
     return static_cast<int>(whole);
 }
 
-int SettingsStore::readNumber(const QString& section, const QString& key, const QString& def) const {
+int SettingsStore::readNumber(const QString& section, const QString& key,
+                              const QString& def) const {
     return numberOf(get(section, key, def));
 }
 
@@ -85,7 +90,8 @@ void SettingsStore::saveNumber(const QString& section, const QString& key, long 
     save(section, key, QString::number(value));
 }
 
-double SettingsStore::readReal(const QString& section, const QString& key, const QString& def) const {
+double SettingsStore::readReal(const QString& section, const QString& key,
+                               const QString& def) const {
     bool ok = false;
     const double v = get(section, key, def).trimmed().toDouble(&ok);
     return ok && std::isfinite(v) ? v : 0.0;
@@ -95,7 +101,8 @@ void SettingsStore::saveReal(const QString& section, const QString& key, double 
     save(section, key, QString::number(value));
 }
 
-QString SettingsStore::readLines(const QString& section, const QString& key, const QString& def) const {
+QString SettingsStore::readLines(const QString& section, const QString& key,
+                                 const QString& def) const {
     return get(section, key, def).replace(kStoredBreak, kLineBreak);
 }
 

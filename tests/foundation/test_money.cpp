@@ -24,23 +24,39 @@ void TestMoney::parsesTypedAmounts_data() {
     QTest::addColumn<QString>("decimal");
     QTest::addColumn<bool>("valid");
     QTest::addColumn<qlonglong>("units");
-    QTest::newRow("plain") << "35.75" << "." << true << 357500LL;
-    QTest::newRow("four decimals") << "0.0001" << "." << true << 1LL;
-    QTest::newRow("five decimals refused") << "0.00001" << "." << false << 0LL;
-    QTest::newRow("grouped") << "1,234.5" << "." << true << 12345000LL;
-    QTest::newRow("bad grouping") << "12,34.5" << "." << false << 0LL;
-    QTest::newRow("currency sign") << "$1,000.00" << "." << true << 10000000LL;
-    QTest::newRow("negative") << "-12.50" << "." << true << -125000LL;
-    QTest::newRow("parentheses negative") << "($12.50)" << "." << true << -125000LL;
-    QTest::newRow("decimal comma") << "1.234,56" << "," << true << 12345600LL;
-    QTest::newRow("point under comma locale") << "12.50" << "," << false << 0LL;
-    QTest::newRow("whole") << "40" << "." << true << 400000LL;
-    QTest::newRow("leading point") << ".5" << "." << true << 5000LL;
-    QTest::newRow("letters") << "12a" << "." << false << 0LL;
-    QTest::newRow("empty") << "" << "." << false << 0LL;
-    QTest::newRow("only sign") << "-" << "." << false << 0LL;
+    QTest::newRow("plain") << "35.75"
+                           << "." << true << 357500LL;
+    QTest::newRow("four decimals") << "0.0001"
+                                   << "." << true << 1LL;
+    QTest::newRow("five decimals refused") << "0.00001"
+                                           << "." << false << 0LL;
+    QTest::newRow("grouped") << "1,234.5"
+                             << "." << true << 12345000LL;
+    QTest::newRow("bad grouping") << "12,34.5"
+                                  << "." << false << 0LL;
+    QTest::newRow("currency sign") << "$1,000.00"
+                                   << "." << true << 10000000LL;
+    QTest::newRow("negative") << "-12.50"
+                              << "." << true << -125000LL;
+    QTest::newRow("parentheses negative") << "($12.50)"
+                                          << "." << true << -125000LL;
+    QTest::newRow("decimal comma") << "1.234,56"
+                                   << "," << true << 12345600LL;
+    QTest::newRow("point under comma locale") << "12.50"
+                                              << "," << false << 0LL;
+    QTest::newRow("whole") << "40"
+                           << "." << true << 400000LL;
+    QTest::newRow("leading point") << ".5"
+                                   << "." << true << 5000LL;
+    QTest::newRow("letters") << "12a"
+                             << "." << false << 0LL;
+    QTest::newRow("empty") << ""
+                           << "." << false << 0LL;
+    QTest::newRow("only sign") << "-"
+                               << "." << false << 0LL;
     QTest::newRow("arabic digits refused") << QString::fromUtf8("١٢") << "." << false << 0LL;
-    QTest::newRow("overflow refused") << "99999999999999999999" << "." << false << 0LL;
+    QTest::newRow("overflow refused") << "99999999999999999999"
+                                      << "." << false << 0LL;
 }
 
 void TestMoney::parsesTypedAmounts() {
@@ -63,16 +79,38 @@ void TestMoney::formatsWithTheStartUpSeparator_data() {
     QTest::addColumn<QString>("grouped");
     QTest::addColumn<QString>("plain");
     QTest::addColumn<QString>("currency");
-    QTest::newRow("small") << 357500LL << "." << "35.75" << "35.75" << "$35.75";
-    QTest::newRow("thousands") << 12345678900LL << "." << "1,234,567.89" << "1234567.89"
+    QTest::newRow("small") << 357500LL << "."
+                           << "35.75"
+                           << "35.75"
+                           << "$35.75";
+    QTest::newRow("thousands") << 12345678900LL << "."
+                               << "1,234,567.89"
+                               << "1234567.89"
                                << "$1,234,567.89";
-    QTest::newRow("comma") << 12345678900LL << "," << "1.234.567,89" << "1234567,89"
+    QTest::newRow("comma") << 12345678900LL << ","
+                           << "1.234.567,89"
+                           << "1234567,89"
                            << "$1.234.567,89";
-    QTest::newRow("negative") << -125000LL << "." << "-12.50" << "-12.50" << "-$12.50";
-    QTest::newRow("rounds half up") << 50LL << "." << "0.01" << "0.01" << "$0.01";
-    QTest::newRow("rounds half away below zero") << -50LL << "." << "-0.01" << "-0.01" << "-$0.01";
-    QTest::newRow("tiny negative is zero") << -49LL << "." << "0.00" << "0.00" << "$0.00";
-    QTest::newRow("exactly thousand") << 10000000LL << "." << "1,000.00" << "1000.00" << "$1,000.00";
+    QTest::newRow("negative") << -125000LL << "."
+                              << "-12.50"
+                              << "-12.50"
+                              << "-$12.50";
+    QTest::newRow("rounds half up") << 50LL << "."
+                                    << "0.01"
+                                    << "0.01"
+                                    << "$0.01";
+    QTest::newRow("rounds half away below zero") << -50LL << "."
+                                                 << "-0.01"
+                                                 << "-0.01"
+                                                 << "-$0.01";
+    QTest::newRow("tiny negative is zero") << -49LL << "."
+                                           << "0.00"
+                                           << "0.00"
+                                           << "$0.00";
+    QTest::newRow("exactly thousand") << 10000000LL << "."
+                                      << "1,000.00"
+                                      << "1000.00"
+                                      << "$1,000.00";
 }
 
 void TestMoney::formatsWithTheStartUpSeparator() {

@@ -30,35 +30,64 @@ private slots:
 void TestSettings::emptyStoreYieldsDefaults_data() {
     QTest::addColumn<QString>("field");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("dbPath") << "dbPath" << "<folder>";
-    QTest::newRow("dbPPath") << "dbPPath" << "<folder>";
-    QTest::newRow("LastDoctor") << "lastDoctor" << "";
-    QTest::newRow("SubmitMethod") << "submitMethod" << "0";
-    QTest::newRow("DiskIDCounter") << "diskIDCounter" << "0";
-    QTest::newRow("NextIDUnder") << "nextIDUnder" << "0";
-    QTest::newRow("PrintLabelCount") << "printLabelCount" << "1";
-    QTest::newRow("PrinterPort") << "printerPort" << "LPT1";
-    QTest::newRow("WideOn") << "wideOn" << "#14";
-    QTest::newRow("WideOff") << "wideOff" << "";
-    QTest::newRow("BoldOn") << "boldOn" << "#27#69#27#71";
-    QTest::newRow("BoldOff") << "boldOff" << "#27#70#27#72";
-    QTest::newRow("Track0") << "track0" << "";
-    QTest::newRow("MenuFont") << "menuFont" << "Arial";
-    QTest::newRow("MenuSize") << "menuSize" << "16";
-    QTest::newRow("MenuSkip") << "menuSkip" << "6";
-    QTest::newRow("TimeSlot") << "timeSlot" << "2";
-    QTest::newRow("HourStart") << "hourStart" << "08:00 AM";
-    QTest::newRow("HourEnd") << "hourEnd" << "05:00 PM";
-    QTest::newRow("Appointment PrintOptions") << "appPrintOptions" << "1";
-    QTest::newRow("ColumnServCode") << "columnServCode" << "1";
-    QTest::newRow("ColumnDiagCode") << "columnDiagCode" << "1";
-    QTest::newRow("DailyCalendar") << "dailyCalendar" << "1";
-    QTest::newRow("SevenDayWeek") << "sevenDayWeek" << "0";
-    QTest::newRow("Appointment LineHeight") << "appLineHeight" << "1";
-    QTest::newRow("Print FontName") << "printFontName" << "Arial";
-    QTest::newRow("Print FontSize") << "printFontSize" << "12";
-    QTest::newRow("Print HeaderFontSize") << "printHeaderFontSize" << "22";
-    QTest::newRow("Print LineHeight") << "printLineHeight" << "1.2";
+    QTest::newRow("dbPath") << "dbPath"
+                            << "<folder>";
+    QTest::newRow("dbPPath") << "dbPPath"
+                             << "<folder>";
+    QTest::newRow("LastDoctor") << "lastDoctor"
+                                << "";
+    QTest::newRow("SubmitMethod") << "submitMethod"
+                                  << "0";
+    QTest::newRow("DiskIDCounter") << "diskIDCounter"
+                                   << "0";
+    QTest::newRow("NextIDUnder") << "nextIDUnder"
+                                 << "0";
+    QTest::newRow("PrintLabelCount") << "printLabelCount"
+                                     << "1";
+    QTest::newRow("PrinterPort") << "printerPort"
+                                 << "LPT1";
+    QTest::newRow("WideOn") << "wideOn"
+                            << "#14";
+    QTest::newRow("WideOff") << "wideOff"
+                             << "";
+    QTest::newRow("BoldOn") << "boldOn"
+                            << "#27#69#27#71";
+    QTest::newRow("BoldOff") << "boldOff"
+                             << "#27#70#27#72";
+    QTest::newRow("Track0") << "track0"
+                            << "";
+    QTest::newRow("MenuFont") << "menuFont"
+                              << "Arial";
+    QTest::newRow("MenuSize") << "menuSize"
+                              << "16";
+    QTest::newRow("MenuSkip") << "menuSkip"
+                              << "6";
+    QTest::newRow("TimeSlot") << "timeSlot"
+                              << "2";
+    QTest::newRow("HourStart") << "hourStart"
+                               << "08:00 AM";
+    QTest::newRow("HourEnd") << "hourEnd"
+                             << "05:00 PM";
+    QTest::newRow("Appointment PrintOptions") << "appPrintOptions"
+                                              << "1";
+    QTest::newRow("ColumnServCode") << "columnServCode"
+                                    << "1";
+    QTest::newRow("ColumnDiagCode") << "columnDiagCode"
+                                    << "1";
+    QTest::newRow("DailyCalendar") << "dailyCalendar"
+                                   << "1";
+    QTest::newRow("SevenDayWeek") << "sevenDayWeek"
+                                  << "0";
+    QTest::newRow("Appointment LineHeight") << "appLineHeight"
+                                            << "1";
+    QTest::newRow("Print FontName") << "printFontName"
+                                    << "Arial";
+    QTest::newRow("Print FontSize") << "printFontSize"
+                                    << "12";
+    QTest::newRow("Print HeaderFontSize") << "printHeaderFontSize"
+                                          << "22";
+    QTest::newRow("Print LineHeight") << "printLineHeight"
+                                      << "1.2";
 }
 
 namespace {
@@ -179,9 +208,12 @@ void TestSettings::typedHelpersReadTextAsTheOldStoreDid() {
 void TestSettings::lastDoctorLongerThanThreeIsDiscarded_data() {
     QTest::addColumn<QString>("stored");
     QTest::addColumn<QString>("loaded");
-    QTest::newRow("three") << "ABC" << "ABC";
-    QTest::newRow("five") << "12345" << "";
-    QTest::newRow("four") << "ABCD" << "";
+    QTest::newRow("three") << "ABC"
+                           << "ABC";
+    QTest::newRow("five") << "12345"
+                          << "";
+    QTest::newRow("four") << "ABCD"
+                          << "";
 }
 
 void TestSettings::lastDoctorLongerThanThreeIsDiscarded() {
@@ -198,10 +230,12 @@ void TestSettings::multiLineMessagesRoundTripOnOneLine() {
     AppSettings s = AppSettings::loadAll(office.store(), office.folder());
     s.invoiceMessage = QStringLiteral("Thank you\r\nPayable in 30 days");
     s.saveAll(office.store(), clock);
-    QCOMPARE(office.store().get("Options", "InvoiceMessage"), QString("Thank you_|_Payable in 30 days"));
+    QCOMPARE(office.store().get("Options", "InvoiceMessage"),
+             QString("Thank you_|_Payable in 30 days"));
     // The file itself holds one line.
     QVERIFY(test::readText(office.settingsFile()).contains("Thank you_|_Payable in 30 days"));
-    QCOMPARE(AppSettings::loadAll(office.store(), office.folder()).invoiceMessage, s.invoiceMessage);
+    QCOMPARE(AppSettings::loadAll(office.store(), office.folder()).invoiceMessage,
+             s.invoiceMessage);
 }
 
 void TestSettings::openMarkAndRunDate() {
@@ -242,7 +276,8 @@ void TestSettings::saveAllWritesEveryKeyAndReadsBackTheSame() {
     QCOMPARE(r.hourEnd, QString("06:30 PM"));
     QCOMPARE(r.printLineHeight, 1.5);
     QVERIFY(r.receiveDiskSwitch[4]);
-    for (const char* key : {"WideOn", "BoldOff", "MenuSkip", "PrintLabelEnvelope", "ReceiptMessage"}) {
+    for (const char* key :
+         {"WideOn", "BoldOff", "MenuSkip", "PrintLabelEnvelope", "ReceiptMessage"}) {
         QVERIFY2(reread.contains("Options", key), key);
     }
     for (const char* key : {"TimeSlot", "SevenDayWeek"}) {

@@ -7,13 +7,20 @@
 namespace brimsett::test {
 
 TempOffice::TempOffice()
-    : m_store(std::make_unique<SettingsStore>(m_dir.path() + QStringLiteral("/settings/Zandor.ini"))) {}
+    : m_store(
+          std::make_unique<SettingsStore>(m_dir.path() + QStringLiteral("/settings/Zandor.ini"))) {}
 
-QString TempOffice::folder() const { return m_dir.path() + QLatin1Char('/'); }
+QString TempOffice::folder() const {
+    return m_dir.path() + QLatin1Char('/');
+}
 
-QString TempOffice::file(const QString& name) const { return folder() + name; }
+QString TempOffice::file(const QString& name) const {
+    return folder() + name;
+}
 
-QString TempOffice::settingsFile() const { return m_dir.path() + QStringLiteral("/settings/Zandor.ini"); }
+QString TempOffice::settingsFile() const {
+    return m_dir.path() + QStringLiteral("/settings/Zandor.ini");
+}
 
 std::unique_ptr<Database> TempOffice::emptyDatabase(const QString& name) const {
     return Database::createSqlite(file(name));

@@ -14,12 +14,13 @@ namespace brimsett::test {
 class TempOffice {
 public:
     TempOffice();
-    QString folder() const;                 // ends with "/"
+    QString folder() const;  // ends with "/"
     QString file(const QString& name) const;
     QString settingsFile() const;
     SettingsStore& store() { return *m_store; }
     // A new SQLite database in the folder (empty, no tables).
-    std::unique_ptr<Database> emptyDatabase(const QString& name = QStringLiteral("medical.mdb")) const;
+    std::unique_ptr<Database> emptyDatabase(
+        const QString& name = QStringLiteral("medical.mdb")) const;
 
 private:
     QTemporaryDir m_dir;

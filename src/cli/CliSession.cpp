@@ -1,0 +1,61 @@
+#include "cli/CliSession.h"
+
+namespace brimsett {
+
+namespace {
+
+QString settingsPath(const QString& option) {
+    if (!option.isEmpty()) {
+        return option;
+    }
+    const QString env = qEnvironmentVariable("BRIMSETT_SETTINGS");
+    return env.isEmpty() ? SettingsStore::defaultPath() : env;
+}
+
+}  // namespace
+
+CliSession::CliSession(const QString& home, const QString& settingsFile, bool alwaysYes)
+    : m_paths(OfficePaths::resolve(home)),
+      m_store(settingsPath(settingsFile)),
+      m_prompter(alwaysYes),
+      m_access(m_store),
+      m_out(stdout) {}
+
+CliSession::~CliSession() {
+    // The command line is not a running program: leave the "Open" mark as it found it.
+    if (m_started) {
+        if (!m_hadOpen) {
+            m_store.remove(QStringLiteral("General"), QStringLiteral("Open"));
+        } else {
+            m_store.save(QStringLiteral("General"), QStringLiteral("Open"), m_openBefore);
+        }
+        m_store.sync();
+    }
+    m_out.flush();
+}
+
+Startup::Result& CliSession::startOnce() {
+    if (!m_started) {
+        m_started = true;
+        m_hadOpen = m_store.contains(QStringLiteral("General"), QStringLiteral("Open"));
+        m_openBefore = m_store.get(QStringLiteral("General"), QStringLiteral("Open"));
+        m_result = Startup(m_paths, m_store, m_access, m_clock, m_prompter).run();
+    }
+    return m_result;
+}
+
+Startup::Result* CliSession::open() {
+    Startup::Result& result = startOnce();
+    if (result.outcome == Startup::Outcome::RestartNeeded) {
+        m_result = Startup(m_paths, m_store, m_access, m_clock, m_prompter).run();
+    }
+    return m_result.outcome == Startup::Outcome::Ready ? &m_result : nullptr;
+}
+
+int fail(const QString& reason, int status) {
+    QTextStream err(stderr);
+    err << "brimsett-cli: " << reason << "\n";
+    return status;
+}
+
+}  // namespace brimsett

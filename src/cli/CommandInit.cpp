@@ -1,0 +1,30 @@
+#include "cli/CliSession.h"
+
+namespace brimsett {
+
+// Exit status 3 tells a script that the layout was updated: the program would stop here
+// and ask for a restart.
+int commandInit(CliSession& session, const QStringList& args) {
+    if (!args.isEmpty()) {
+        return fail(QStringLiteral("init takes no arguments"), 2);
+    }
+    Startup::Result& result = session.startOnce();
+    for (const QString& line : result.done) {
+        session.out() << line << "\n";
+    }
+    switch (result.outcome) {
+        case Startup::Outcome::Ready:
+            return 0;
+        case Startup::Outcome::RestartNeeded:
+            return 3;
+        case Startup::Outcome::OpenFailed:
+            return fail(QStringLiteral("the database could not be opened"));
+        case Startup::Outcome::UpgradeFailed:
+            return fail(QStringLiteral("the database could not be updated: ") + result.error);
+        case Startup::Outcome::SetupFailed:
+            break;
+    }
+    return fail(QStringLiteral("the database could not be created: ") + result.error);
+}
+
+}  // namespace brimsett
