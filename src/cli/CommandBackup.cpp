@@ -15,7 +15,7 @@ constexpr int kSendTimeoutMs = 10000;
 // The receiver only answers "BACKUPDONE!"; the file it made is the newest dated copy.
 QString newestBackup(const QString& folder) {
     const QFileInfoList files = QDir(folder).entryInfoList(
-        {QStringLiteral("medical-????????-??????*.mdb")}, QDir::Files, QDir::Time);
+        {QStringLiteral("medical-[0-9]*-[0-9]*.mdb")}, QDir::Files, QDir::Time);
     return files.isEmpty() ? QString() : files.first().absoluteFilePath();
 }
 
