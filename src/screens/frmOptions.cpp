@@ -194,6 +194,11 @@ QWidget* frmOptions::systemPage() {
     menuForm->addRow(QStringLiteral("Menu font si&ze:"), numberEdit(Field::MenuSize));
     menuForm->addRow(QStringLiteral("Menu &spacing:"), numberEdit(Field::MenuSkip));
     layout->addWidget(menu);
+
+    // The level passwords are kept per computer like the options, so they are reached here.
+    auto* passwords = new QPushButton(QStringLiteral("Pass&words..."), page);
+    connect(passwords, &QPushButton::clicked, this, &frmOptions::passwordsRequested);
+    layout->addWidget(passwords, 0, Qt::AlignLeft);
     layout->addStretch(1);
     return page;
 }

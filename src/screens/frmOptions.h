@@ -33,6 +33,9 @@ public:
 
     void accept() override;
 
+signals:
+    void passwordsRequested();
+
 private:
     QWidget* switchesPage();
     QWidget* labelsPage();

@@ -1,0 +1,142 @@
+#include "screens/AppShell.h"
+
+#include "foundation/CommandReceiver.h"
+#include "foundation/MenuModel.h"
+#include "screens/frmBMain.h"
+#include "screens/frmLogin.h"
+#include "screens/frmOptions.h"
+#include "screens/frmPasswords.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QUrl>
+
+namespace brimsett {
+
+namespace {
+
+// Menu actions this part of the program answers itself.
+constexpr int kActionOptions = 21;
+constexpr int kActionAbout = 23;
+constexpr int kActionOpenFolder = 24;
+constexpr int kActionLogin = 32;
+
+}  // namespace
+
+AppShell::AppShell(OfficePaths paths, const QString& settingsFile)
+    : m_paths(std::move(paths)), m_store(settingsFile), m_access(m_store) {}
+
+AppShell::~AppShell() {
+    shutDown();
+}
+
+bool AppShell::start() {
+    for (;;) {
+        m_session = Startup(m_paths, m_store, m_access, m_clock, m_prompter).run();
+        switch (m_session.outcome) {
+            case Startup::Outcome::Ready:
+                break;
+            case Startup::Outcome::OpenFailed:
+                if (chooseDatabaseLocation()) {
+                    continue;
+                }
+                m_exitCode = 1;
+                return false;
+            case Startup::Outcome::RestartNeeded:
+                m_exitCode = 0;
+                return false;
+            case Startup::Outcome::UpgradeFailed:
+            case Startup::Outcome::SetupFailed:
+                m_exitCode = 1;
+                return false;
+        }
+        break;
+    }
+
+    registerFoundationActions();
+    QList<MenuEntry> menu;
+    try {
+        menu = loadMenu(*m_session.db);
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The menu could not be read from the database:"),
+                          e.message(), QString(),
+                          QStringLiteral("Brimsett shows its standard menu.")});
+        menu = defaultMenu();
+    }
+    m_main = std::make_unique<frmBMain>(menu, m_session.settings, m_registry, m_prompter);
+    m_prompter.setParent(m_main.get());
+    connect(m_main.get(), &frmBMain::shuttingDown, this, &AppShell::shutDown);
+
+    m_receiver = std::make_unique<CommandReceiver>(*m_session.db, m_paths, m_clock, m_registry);
+    QString error;
+    if (!m_receiver->listen(&error)) {
+        // The program still works; only sibling programs cannot reach this copy.
+        m_main->setStatusText(error);
+    }
+    m_main->show();
+    return true;
+}
+
+bool AppShell::chooseDatabaseLocation() {
+    const QString folder = QFileDialog::getExistingDirectory(
+        nullptr, QStringLiteral("Choose the folder of medical.mdb"), m_paths.folder());
+    if (folder.isEmpty()) {
+        return false;
+    }
+    m_store.save(QStringLiteral("General"), QStringLiteral("dbPath"), folder + QLatin1Char('/'));
+    m_store.sync();
+    return true;
+}
+
+void AppShell::registerFoundationActions() {
+    m_registry.setAction(kActionOptions, QStringLiteral("Options"), [this] { openOptions(); });
+    m_registry.setAction(kActionLogin, QStringLiteral("Login"), [this] {
+        frmLogin login(m_access, m_prompter, m_main.get());
+        login.exec();
+    });
+    m_registry.setAction(kActionAbout, QStringLiteral("About Brimsett"), [this] {
+        QMessageBox::about(
+            m_main.get(), QStringLiteral("About Brimsett"),
+            QStringLiteral("Brimsett %1\nBilling and appointments for the physician's "
+                           "office.\n\nOffice folder: %2\nDatabase: %3")
+                .arg(QApplication::applicationVersion(), m_paths.folder(),
+                     m_session.db->location()));
+    });
+    m_registry.setAction(kActionOpenFolder, QStringLiteral("Open Brimsett Folder"), [this] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_paths.folder()));
+    });
+}
+
+void AppShell::openOptions() {
+    // The options hold the database location and the SQL log: the Master's business.
+    if (!m_access.require(AccessLevels::kMaster, m_prompter)) {
+        return;
+    }
+    frmOptions options(m_session.settings, m_store, *m_session.db, m_prompter, m_main.get());
+    connect(&options, &frmOptions::passwordsRequested, this, &AppShell::openPasswords);
+    if (options.exec() == QDialog::Accepted) {
+        m_session.settings = options.settings();
+        m_main->applySettings(m_session.settings);
+    }
+}
+
+void AppShell::openPasswords() {
+    frmPasswords passwords(m_access, m_prompter, m_main.get());
+    passwords.exec();
+}
+
+void AppShell::shutDown() {
+    if (m_shutDown || !m_session.db) {
+        return;
+    }
+    m_shutDown = true;
+    if (m_receiver) {
+        m_receiver->close();
+    }
+    m_session.settings.saveAll(m_store, m_clock);
+    m_session.db->close();
+}
+
+}  // namespace brimsett
