@@ -1,9 +1,11 @@
 #include "foundation/OfficePaths.h"
 #include "foundation/SettingsStore.h"
 #include "screens/AppShell.h"
+#include "screens/frmBMain.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QTimer>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -20,8 +22,14 @@ int main(int argc, char** argv) {
     const QCommandLineOption settings(QStringLiteral("settings"),
                                       QStringLiteral("The settings file to use."),
                                       QStringLiteral("FILE"));
+    // Saves a picture of the main window once it is up, then ends: for checking the look
+    // of a build without a screen (QT_QPA_PLATFORM=offscreen).
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"), QStringLiteral("Save the main window as a picture and quit."),
+        QStringLiteral("FILE"));
     parser.addOption(home);
     parser.addOption(settings);
+    parser.addOption(screenshot);
     parser.process(app);
 
     QString settingsFile = parser.value(settings);
@@ -34,6 +42,12 @@ int main(int argc, char** argv) {
     brimsett::AppShell shell(brimsett::OfficePaths::resolve(parser.value(home)), settingsFile);
     if (!shell.start()) {
         return shell.exitCode();
+    }
+    if (parser.isSet(screenshot)) {
+        QTimer::singleShot(300, &app, [&] {
+            shell.mainWindow()->grab().save(parser.value(screenshot));
+            shell.mainWindow()->close();
+        });
     }
     return app.exec();
 }

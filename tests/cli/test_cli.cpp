@@ -1,0 +1,131 @@
+#include "TestSupport.h"
+#include "foundation/Schema.h"
+
+#include <QProcess>
+#include <QtTest>
+
+using namespace brimsett;
+
+class TestCli : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initCreatesThenFindsNothingToDo();
+    void initOnAnOlderDatabaseUpdatesItAndSaysSo();
+    void sqlPrintsRowsWithTabsAndEmptyNulls();
+    void sqlRefusalIsOneLineAndNonZero();
+    void settingsGetAndSet();
+    void backupWithoutARunningProgramMakesItsOwnCopy();
+    void sendWithoutARunningProgramFails();
+};
+
+namespace {
+
+struct Result {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+Result cli(const test::TempOffice& office, const QStringList& args) {
+    QProcess p;
+    p.setProgram(QStringLiteral(BRIMSETT_CLI));
+    p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
+                   args);
+    p.start();
+    p.closeWriteChannel();
+    if (!p.waitForFinished(60000)) {
+        p.kill();
+        return {};
+    }
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+}  // namespace
+
+void TestCli::initCreatesThenFindsNothingToDo() {
+    test::TempOffice office;
+    Result first = cli(office, {"init"});
+    QCOMPARE(first.status, 0);
+    QVERIFY(first.out.startsWith("Created a new database at " + office.file("medical.mdb")));
+    auto db = Database::createSqlite(office.file("medical.mdb"));
+    for (const QString& table : schema::tableNames()) {
+        QVERIFY2(db->hasTable(table), qPrintable(table));
+    }
+    db->close();
+
+    Result second = cli(office, {"init"});
+    QCOMPARE(second.status, 0);
+    QVERIFY(!second.out.contains("Created"));
+    QVERIFY(second.out.contains("The database layout is current"));
+    // The command line leaves the running-program mark as it found it.
+    QVERIFY(!office.store().contains("General", "Open"));
+}
+
+void TestCli::initOnAnOlderDatabaseUpdatesItAndSaysSo() {
+    test::TempOffice office;
+    {
+        auto db = Database::createSqlite(office.file("medical.mdb"));
+        schema::create(*db);
+        db->exec("ALTER TABLE Doctors DROP COLUMN SLI");
+    }
+    Result r = cli(office, {"init"});
+    QCOMPARE(r.status, 3);
+    QVERIFY(r.err.contains("Brimsett has updated your database to current standards."));
+    QCOMPARE(cli(office, {"init"}).status, 0);
+}
+
+void TestCli::sqlPrintsRowsWithTabsAndEmptyNulls() {
+    test::TempOffice office;
+    QCOMPARE(cli(office, {"init"}).status, 0);
+    Result insert = cli(office, {"sql",
+                                 "Insert Into speccodes (SpecCode, Description) Values "
+                                 "('00', 'General\tPractice'), ('12', NULL)"});
+    QCOMPARE(insert.status, 0);
+    QCOMPARE(insert.out, QString("2 row(s) changed\n"));
+    Result query =
+        cli(office, {"sql", "Select SpecCode, Description From speccodes Order By SpecCode"});
+    QCOMPARE(query.status, 0);
+    QCOMPARE(query.out, QString("SpecCode\tDescription\n00\tGeneral\\tPractice\n12\t\n"));
+}
+
+void TestCli::sqlRefusalIsOneLineAndNonZero() {
+    test::TempOffice office;
+    Result r = cli(office, {"sql", "Select Name From nowhere"});
+    QCOMPARE(r.status, 1);
+    QVERIFY(r.err.startsWith("brimsett-cli: running the statement: no such table: nowhere"));
+    QCOMPARE(r.err.count('\n'), 1);
+}
+
+void TestCli::settingsGetAndSet() {
+    test::TempOffice office;
+    QCOMPARE(cli(office, {"settings", "get", "Options", "Track0"}).status, 1);
+    QCOMPARE(cli(office, {"settings", "set", "Options", "Track0", "on"}).status, 0);
+    Result r = cli(office, {"settings", "get", "Options", "Track0"});
+    QCOMPARE(r.status, 0);
+    QCOMPARE(r.out, QString("on\n"));
+    QCOMPARE(cli(office, {"settings", "get", "Options"}).status, 2);
+}
+
+void TestCli::backupWithoutARunningProgramMakesItsOwnCopy() {
+    test::TempOffice office;
+    QCOMPARE(cli(office, {"sql", "Insert Into speccodes (SpecCode) Values ('08')"}).status, 0);
+    Result r = cli(office, {"backup"});
+    QCOMPARE(r.status, 0);
+    const QString file = r.out.trimmed();
+    QVERIFY(QFileInfo(file).fileName().startsWith("medical-"));
+    auto copy = Database::createSqlite(file);
+    QCOMPARE(copy->scalar("Select SpecCode From speccodes").toString(), QString("08"));
+}
+
+void TestCli::sendWithoutARunningProgramFails() {
+    test::TempOffice office;
+    Result r = cli(office, {"send", "PATIENT", "12"});
+    QCOMPARE(r.status, 1);
+    QVERIFY(r.err.startsWith("brimsett-cli: "));
+    QVERIFY(r.out.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestCli)
+#include "test_cli.moc"
