@@ -11,7 +11,6 @@ class TestSettings : public QObject {
     Q_OBJECT
 
 private slots:
-    void emptyStoreYieldsDefaults_data();
     void emptyStoreYieldsDefaults();
     void firstRunTurnsOnOfficeSwitches();
     void laterRunsKeepStoredSwitches();
@@ -25,117 +24,35 @@ private slots:
     void saveAllWritesEveryKeyAndReadsBackTheSame();
 };
 
-// The values a store without any keys must give, as (section, key, expected text of the
-// loaded value).
-void TestSettings::emptyStoreYieldsDefaults_data() {
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("dbPath") << "dbPath"
-                            << "<folder>";
-    QTest::newRow("dbPPath") << "dbPPath"
-                             << "<folder>";
-    QTest::newRow("LastDoctor") << "lastDoctor"
-                                << "";
-    QTest::newRow("SubmitMethod") << "submitMethod"
-                                  << "0";
-    QTest::newRow("DiskIDCounter") << "diskIDCounter"
-                                   << "0";
-    QTest::newRow("NextIDUnder") << "nextIDUnder"
-                                 << "0";
-    QTest::newRow("PrintLabelCount") << "printLabelCount"
-                                     << "1";
-    QTest::newRow("PrinterPort") << "printerPort"
-                                 << "LPT1";
-    QTest::newRow("WideOn") << "wideOn"
-                            << "#14";
-    QTest::newRow("WideOff") << "wideOff"
-                             << "";
-    QTest::newRow("BoldOn") << "boldOn"
-                            << "#27#69#27#71";
-    QTest::newRow("BoldOff") << "boldOff"
-                             << "#27#70#27#72";
-    QTest::newRow("Track0") << "track0"
-                            << "";
-    QTest::newRow("MenuFont") << "menuFont"
-                              << "Arial";
-    QTest::newRow("MenuSize") << "menuSize"
-                              << "16";
-    QTest::newRow("MenuSkip") << "menuSkip"
-                              << "6";
-    QTest::newRow("TimeSlot") << "timeSlot"
-                              << "2";
-    QTest::newRow("HourStart") << "hourStart"
-                               << "08:00 AM";
-    QTest::newRow("HourEnd") << "hourEnd"
-                             << "05:00 PM";
-    QTest::newRow("Appointment PrintOptions") << "appPrintOptions"
-                                              << "1";
-    QTest::newRow("ColumnServCode") << "columnServCode"
-                                    << "1";
-    QTest::newRow("ColumnDiagCode") << "columnDiagCode"
-                                    << "1";
-    QTest::newRow("DailyCalendar") << "dailyCalendar"
-                                   << "1";
-    QTest::newRow("SevenDayWeek") << "sevenDayWeek"
-                                  << "0";
-    QTest::newRow("Appointment LineHeight") << "appLineHeight"
-                                            << "1";
-    QTest::newRow("Print FontName") << "printFontName"
-                                    << "Arial";
-    QTest::newRow("Print FontSize") << "printFontSize"
-                                    << "12";
-    QTest::newRow("Print HeaderFontSize") << "printHeaderFontSize"
-                                          << "22";
-    QTest::newRow("Print LineHeight") << "printLineHeight"
-                                      << "1.2";
-}
-
-namespace {
-
-QString fieldText(const AppSettings& s, const QString& field) {
-    const QHash<QString, QString> values = {
-        {"dbPath", s.dbPath},
-        {"dbPPath", s.dbPPath},
-        {"lastDoctor", s.lastDoctor},
-        {"submitMethod", QString::number(s.submitMethod)},
-        {"diskIDCounter", QString::number(s.diskIDCounter)},
-        {"nextIDUnder", QString::number(s.nextIDUnder)},
-        {"printLabelCount", QString::number(s.printLabelCount)},
-        {"printerPort", s.printerPort},
-        {"wideOn", s.wideOn},
-        {"wideOff", s.wideOff},
-        {"boldOn", s.boldOn},
-        {"boldOff", s.boldOff},
-        {"track0", s.track0},
-        {"menuFont", s.menuFont},
-        {"menuSize", QString::number(s.menuSize)},
-        {"menuSkip", QString::number(s.menuSkip)},
-        {"timeSlot", QString::number(s.timeSlot)},
-        {"hourStart", s.hourStart},
-        {"hourEnd", s.hourEnd},
-        {"appPrintOptions", QString::number(s.appPrintOptions)},
-        {"columnServCode", QString::number(s.columnServCode)},
-        {"columnDiagCode", QString::number(s.columnDiagCode)},
-        {"dailyCalendar", QString::number(s.dailyCalendar)},
-        {"sevenDayWeek", QString::number(s.sevenDayWeek)},
-        {"appLineHeight", QString::number(s.appLineHeight)},
-        {"printFontName", s.printFontName},
-        {"printFontSize", QString::number(s.printFontSize)},
-        {"printHeaderFontSize", QString::number(s.printHeaderFontSize)},
-        {"printLineHeight", QString::number(s.printLineHeight)},
-    };
-    return values.value(field, QStringLiteral("<no such field>"));
-}
-
-}  // namespace
-
 void TestSettings::emptyStoreYieldsDefaults() {
-    QFETCH(QString, field);
-    QFETCH(QString, expected);
     test::TempOffice office;
     const AppSettings s = AppSettings::loadAll(office.store(), office.folder());
-    expected.replace(QStringLiteral("<folder>"), office.folder());
-    QCOMPARE(fieldText(s, field), expected);
+    QCOMPARE(s.dbPath, office.folder());
+    QCOMPARE(s.dbPPath, office.folder());
+    QCOMPARE(s.lastDoctor, QString());
+    QCOMPARE(s.submitMethod, 0);
+    QCOMPARE(s.diskIDCounter, 0);
+    QCOMPARE(s.nextIDUnder, 0);
+    QCOMPARE(s.printLabelCount, 1);
+    QCOMPARE(s.printerPort, QString("LPT1"));
+    QCOMPARE(s.wideOn, QString("#14"));
+    QCOMPARE(s.wideOff, QString());
+    QCOMPARE(s.boldOn, QString("#27#69#27#71"));
+    QCOMPARE(s.boldOff, QString("#27#70#27#72"));
+    QVERIFY(!s.sqlLogOn());
+    QCOMPARE(s.menuFont, QString("Arial"));
+    QCOMPARE(s.menuSize, 16);
+    QCOMPARE(s.menuSkip, 6);
+    QCOMPARE(s.timeSlot, 2);
+    QCOMPARE(s.hourStart, QString("08:00 AM"));
+    QCOMPARE(s.hourEnd, QString("05:00 PM"));
+    QVERIFY(s.appPrintOptions && s.columnServCode && s.columnDiagCode && s.dailyCalendar);
+    QVERIFY(!s.appPrintOnlyApps && !s.sevenDayWeek && !s.alwaysAskTime);
+    QCOMPARE(s.appLineHeight, 1.0);
+    QCOMPARE(s.printFontName, QString("Arial"));
+    QCOMPARE(s.printFontSize, 12);
+    QCOMPARE(s.printHeaderFontSize, 22);
+    QCOMPARE(s.printLineHeight, 1.2);
 }
 
 void TestSettings::firstRunTurnsOnOfficeSwitches() {
