@@ -3,6 +3,8 @@
 #include "foundation/Clock.h"
 #include "foundation/DateText.h"
 
+#include <variant>
+
 namespace brimsett {
 
 namespace {
@@ -21,6 +23,152 @@ QString switchKey(int n) {
     return QStringLiteral("Switch%1").arg(n);
 }
 
+// One stored key and the member that holds it. The default of every key is the member's
+// value in a default-constructed AppSettings, so each default is written down once.
+struct Binding {
+    const char* section;
+    const char* key;
+    std::variant<QString AppSettings::*, int AppSettings::*, bool AppSettings::*,
+                 double AppSettings::*>
+        member;
+    bool multiLine = false;
+};
+
+// Groups in the order they are saved.
+const Binding kBackup[] = {
+    {"Backup", "BackupPath", &AppSettings::backupPath},
+    {"Backup", "RestorePath", &AppSettings::restorePath},
+};
+
+const Binding kAppointment[] = {
+    {"Appointment", "TimeSlot", &AppSettings::timeSlot},
+    {"Appointment", "HourStart", &AppSettings::hourStart},
+    {"Appointment", "HourEnd", &AppSettings::hourEnd},
+    {"Appointment", "PrintOnlyApps", &AppSettings::appPrintOnlyApps},
+    {"Appointment", "PrintColor", &AppSettings::appPrintColor},
+    {"Appointment", "PrintOptions", &AppSettings::appPrintOptions},
+    {"Appointment", "AppSortOrder", &AppSettings::appSortOrder},
+    {"Appointment", "ColumnServCode", &AppSettings::columnServCode},
+    {"Appointment", "ColumnDiagCode", &AppSettings::columnDiagCode},
+    {"Appointment", "AlwaysAskTime", &AppSettings::alwaysAskTime},
+    {"Appointment", "DontPrintOutside", &AppSettings::dontPrintOutside},
+    {"Appointment", "LineHeight", &AppSettings::appLineHeight},
+    {"Appointment", "DailyCalendar", &AppSettings::dailyCalendar},
+    {"Appointment", "SevenDayWeek", &AppSettings::sevenDayWeek},
+};
+
+const Binding kPrint[] = {
+    {"Print", "FontName", &AppSettings::printFontName},
+    {"Print", "FontSize", &AppSettings::printFontSize},
+    {"Print", "HeaderFontSize", &AppSettings::printHeaderFontSize},
+    {"Print", "PrintColor", &AppSettings::printColor},
+    {"Print", "LineHeight", &AppSettings::printLineHeight},
+    {"Print", "SkipHeaderLines", &AppSettings::printSkipHeaderLines},
+};
+
+// After the 28 switches.
+const Binding kOptionsHead[] = {
+    {"Options", "NextIDUnder", &AppSettings::nextIDUnder},
+    {"Options", "InvoiceMessage", &AppSettings::invoiceMessage, true},
+    {"Options", "ReferralFormMessage", &AppSettings::referralFormMessage, true},
+    {"Options", "ReceiptMessage", &AppSettings::receiptMessage, true},
+    {"Options", "PrintInvoice", &AppSettings::printInvoice},
+    {"Options", "PrintReceipt", &AppSettings::printReceipt},
+    {"Options", "PrintLabelEnvelope", &AppSettings::printLabelEnvelope},
+    {"Options", "PrintLabelChart", &AppSettings::printLabelChart},
+    {"Options", "PrintLabelCount", &AppSettings::printLabelCount},
+};
+
+// After the chart label switches.
+const Binding kOptionsTail[] = {
+    {"Options", "PrinterPort", &AppSettings::printerPort},
+    {"Options", "WideOn", &AppSettings::wideOn},
+    {"Options", "WideOff", &AppSettings::wideOff},
+    {"Options", "BoldOn", &AppSettings::boldOn},
+    {"Options", "BoldOff", &AppSettings::boldOff},
+    {"Options", "Track0", &AppSettings::track0},
+    {"Options", "MenuFont", &AppSettings::menuFont},
+    {"Options", "MenuSize", &AppSettings::menuSize},
+    {"Options", "MenuSkip", &AppSettings::menuSkip},
+};
+
+const Binding kGeneralKeys[] = {
+    {"General", "dbPath", &AppSettings::dbPath},
+    {"General", "dbPPath", &AppSettings::dbPPath},
+    {"General", "LastDoctor", &AppSettings::lastDoctor},
+    {"General", "LastSLI", &AppSettings::lastSLI},
+    {"General", "LastDoctorReconcile", &AppSettings::lastDoctorReconcile},
+    {"General", "LastDoctorPTC", &AppSettings::lastDoctorPTC},
+    {"General", "LastDoctorApp", &AppSettings::lastDoctorApp},
+    {"General", "SubmitMethod", &AppSettings::submitMethod},
+    {"General", "EDTPasswordReminder", &AppSettings::edtPasswordReminder},
+    {"General", "DiskIDCounter", &AppSettings::diskIDCounter},
+};
+
+template <std::size_t N>
+void readGroup(const SettingsStore& store, AppSettings& s, const Binding (&group)[N]) {
+    for (const Binding& b : group) {
+        const QString section = QString::fromLatin1(b.section);
+        const QString key = QString::fromLatin1(b.key);
+        std::visit(
+            [&](auto member) {
+                auto& value = s.*member;
+                using T = std::decay_t<decltype(value)>;
+                if constexpr (std::is_same_v<T, QString>) {
+                    value = b.multiLine ? store.readLines(section, key, value)
+                                        : store.get(section, key, value);
+                } else if constexpr (std::is_same_v<T, bool>) {
+                    value = store.readFlag(section, key, value ? kOn : QStringLiteral("0"));
+                } else if constexpr (std::is_same_v<T, int>) {
+                    value = store.readNumber(section, key, QString::number(value));
+                } else {
+                    value = store.readReal(section, key, QString::number(value));
+                }
+            },
+            b.member);
+    }
+}
+
+template <std::size_t N>
+void writeGroup(SettingsStore& store, const AppSettings& s, const Binding (&group)[N]) {
+    for (const Binding& b : group) {
+        const QString section = QString::fromLatin1(b.section);
+        const QString key = QString::fromLatin1(b.key);
+        std::visit(
+            [&](auto member) {
+                const auto& value = s.*member;
+                using T = std::decay_t<decltype(value)>;
+                if constexpr (std::is_same_v<T, QString>) {
+                    b.multiLine ? store.saveLines(section, key, value)
+                                : store.save(section, key, value);
+                } else if constexpr (std::is_same_v<T, bool>) {
+                    store.saveFlag(section, key, value);
+                } else if constexpr (std::is_same_v<T, int>) {
+                    store.saveNumber(section, key, value);
+                } else {
+                    store.saveReal(section, key, value);
+                }
+            },
+            b.member);
+    }
+}
+
+template <std::size_t N>
+void readSwitches(const SettingsStore& store, const QString& section, QString (*key)(int),
+                  std::array<bool, N>& flags) {
+    for (std::size_t n = 1; n < N; ++n) {
+        flags[n] = store.readFlag(section, key(static_cast<int>(n)));
+    }
+}
+
+template <std::size_t N>
+void writeSwitches(SettingsStore& store, const QString& section, QString (*key)(int),
+                   const std::array<bool, N>& flags) {
+    for (std::size_t n = 1; n < N; ++n) {
+        store.saveFlag(section, key(static_cast<int>(n)), flags[n]);
+    }
+}
+
 }  // namespace
 
 AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFolder) {
@@ -28,23 +176,13 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
     store.save(kGeneral, QStringLiteral("Open"), kOn);
     store.save(kGeneral, QStringLiteral("AppPath"), programFolder);
     s.appPath = programFolder;
+    s.dbPath = programFolder;
+    s.dbPPath = programFolder;
 
-    s.dbPath = store.get(kGeneral, QStringLiteral("dbPath"), programFolder);
-    s.dbPPath = store.get(kGeneral, QStringLiteral("dbPPath"), programFolder);
-    s.lastDoctor = store.get(kGeneral, QStringLiteral("LastDoctor"));
+    readGroup(store, s, kGeneralKeys);
     if (s.lastDoctor.size() > 3) {
         s.lastDoctor.clear();  // longer than any office code: a stale value from elsewhere
     }
-    s.lastSLI = store.get(kGeneral, QStringLiteral("LastSLI"));
-    s.lastDoctorReconcile = store.get(kGeneral, QStringLiteral("LastDoctorReconcile"));
-    s.lastDoctorPTC = store.get(kGeneral, QStringLiteral("LastDoctorPTC"));
-    s.lastDoctorApp = store.get(kGeneral, QStringLiteral("LastDoctorApp"));
-    s.submitMethod =
-        store.readNumber(kGeneral, QStringLiteral("SubmitMethod"), QStringLiteral("0"));
-    s.edtPasswordReminder =
-        store.readNumber(kGeneral, QStringLiteral("EDTPasswordReminder"), QStringLiteral("0"));
-    s.diskIDCounter =
-        store.readNumber(kGeneral, QStringLiteral("DiskIDCounter"), QStringLiteral("0"));
 
     // A store that has never held switch 1 is a first run: turn on the switches a new
     // office expects before reading them all.
@@ -56,148 +194,35 @@ AppSettings AppSettings::loadAll(SettingsStore& store, const QString& programFol
             store.save(kOptions, labelKey(n), kOn);
         }
     }
-    for (int n = 1; n <= kSwitchCount; ++n) {
-        s.option[n] = store.readFlag(kOptions, optionKey(n));
-    }
-    s.nextIDUnder = store.readNumber(kOptions, QStringLiteral("NextIDUnder"), QStringLiteral("0"));
-    s.invoiceMessage = store.readLines(kOptions, QStringLiteral("InvoiceMessage"));
-    s.referralFormMessage = store.readLines(kOptions, QStringLiteral("ReferralFormMessage"));
-    s.receiptMessage = store.readLines(kOptions, QStringLiteral("ReceiptMessage"));
-    s.printInvoice =
-        store.readNumber(kOptions, QStringLiteral("PrintInvoice"), QStringLiteral("0"));
-    s.printReceipt =
-        store.readNumber(kOptions, QStringLiteral("PrintReceipt"), QStringLiteral("0"));
-    s.printLabelEnvelope =
-        store.readNumber(kOptions, QStringLiteral("PrintLabelEnvelope"), QStringLiteral("0"));
-    s.printLabelChart =
-        store.readNumber(kOptions, QStringLiteral("PrintLabelChart"), QStringLiteral("0"));
-    s.printLabelCount =
-        store.readNumber(kOptions, QStringLiteral("PrintLabelCount"), QStringLiteral("1"));
-    for (int n = 1; n <= kLabelSwitchCount; ++n) {
-        s.optionChartLabel[n] = store.readFlag(kOptions, labelKey(n));
-    }
-    s.printerPort = store.get(kOptions, QStringLiteral("PrinterPort"), QStringLiteral("LPT1"));
-    s.wideOn = store.get(kOptions, QStringLiteral("WideOn"), QStringLiteral("#14"));
-    s.wideOff = store.get(kOptions, QStringLiteral("WideOff"));
-    s.boldOn = store.get(kOptions, QStringLiteral("BoldOn"), QStringLiteral("#27#69#27#71"));
-    s.boldOff = store.get(kOptions, QStringLiteral("BoldOff"), QStringLiteral("#27#70#27#72"));
-    s.track0 = store.get(kOptions, QStringLiteral("Track0"));
-    s.menuFont = store.get(kOptions, QStringLiteral("MenuFont"), QStringLiteral("Arial"));
-    s.menuSize = store.readNumber(kOptions, QStringLiteral("MenuSize"), QStringLiteral("16"));
-    s.menuSkip = store.readNumber(kOptions, QStringLiteral("MenuSkip"), QStringLiteral("6"));
+    readSwitches(store, kOptions, optionKey, s.option);
+    readGroup(store, s, kOptionsHead);
+    readSwitches(store, kOptions, labelKey, s.optionChartLabel);
+    readGroup(store, s, kOptionsTail);
 
-    s.backupPath = store.get(QStringLiteral("Backup"), QStringLiteral("BackupPath"));
-    s.restorePath = store.get(QStringLiteral("Backup"), QStringLiteral("RestorePath"));
-    for (int n = 1; n <= 2; ++n) {
-        s.submitDiskSwitch[n] = store.readFlag(QStringLiteral("SubmitDisk"), switchKey(n));
-    }
-    for (int n = 1; n <= 4; ++n) {
-        s.receiveDiskSwitch[n] = store.readFlag(QStringLiteral("ReceiveDisk"), switchKey(n));
-    }
-
-    const QString app = QStringLiteral("Appointment");
-    s.timeSlot = store.readNumber(app, QStringLiteral("TimeSlot"), QStringLiteral("2"));
-    s.hourStart = store.get(app, QStringLiteral("HourStart"), QStringLiteral("08:00 AM"));
-    s.hourEnd = store.get(app, QStringLiteral("HourEnd"), QStringLiteral("05:00 PM"));
-    s.appPrintOnlyApps = store.readFlag(app, QStringLiteral("PrintOnlyApps"), QStringLiteral("0"));
-    s.appPrintColor = store.readFlag(app, QStringLiteral("PrintColor"), QStringLiteral("0"));
-    s.appPrintOptions = store.readFlag(app, QStringLiteral("PrintOptions"), kOn);
-    s.appSortOrder = store.readNumber(app, QStringLiteral("AppSortOrder"), QStringLiteral("0"));
-    s.columnServCode = store.readFlag(app, QStringLiteral("ColumnServCode"), kOn);
-    s.columnDiagCode = store.readFlag(app, QStringLiteral("ColumnDiagCode"), kOn);
-    s.alwaysAskTime = store.readFlag(app, QStringLiteral("AlwaysAskTime"), QStringLiteral("0"));
-    s.dontPrintOutside =
-        store.readFlag(app, QStringLiteral("DontPrintOutside"), QStringLiteral("0"));
-    s.appLineHeight = store.readReal(app, QStringLiteral("LineHeight"), QStringLiteral("1"));
-    s.dailyCalendar = store.readFlag(app, QStringLiteral("DailyCalendar"), kOn);
-    s.sevenDayWeek = store.readFlag(app, QStringLiteral("SevenDayWeek"), QStringLiteral("0"));
-
-    const QString print = QStringLiteral("Print");
-    s.printFontName = store.get(print, QStringLiteral("FontName"), QStringLiteral("Arial"));
-    s.printFontSize = store.readNumber(print, QStringLiteral("FontSize"), QStringLiteral("12"));
-    s.printHeaderFontSize =
-        store.readNumber(print, QStringLiteral("HeaderFontSize"), QStringLiteral("22"));
-    s.printColor = store.readNumber(print, QStringLiteral("PrintColor"), QStringLiteral("0"));
-    s.printLineHeight = store.readReal(print, QStringLiteral("LineHeight"), QStringLiteral("1.2"));
-    s.printSkipHeaderLines =
-        store.readNumber(print, QStringLiteral("SkipHeaderLines"), QStringLiteral("0"));
+    readGroup(store, s, kBackup);
+    readSwitches(store, QStringLiteral("SubmitDisk"), switchKey, s.submitDiskSwitch);
+    readSwitches(store, QStringLiteral("ReceiveDisk"), switchKey, s.receiveDiskSwitch);
+    readGroup(store, s, kAppointment);
+    readGroup(store, s, kPrint);
     return s;
 }
 
 void AppSettings::saveOptions(SettingsStore& store) {
-    const QString backup = QStringLiteral("Backup");
-    store.save(backup, QStringLiteral("BackupPath"), backupPath);
-    store.save(backup, QStringLiteral("RestorePath"), restorePath);
-    for (int n = 1; n <= 2; ++n) {
-        store.saveFlag(QStringLiteral("SubmitDisk"), switchKey(n), submitDiskSwitch[n]);
-    }
-    for (int n = 1; n <= 4; ++n) {
-        store.saveFlag(QStringLiteral("ReceiveDisk"), switchKey(n), receiveDiskSwitch[n]);
-    }
-
-    const QString app = QStringLiteral("Appointment");
-    store.saveNumber(app, QStringLiteral("TimeSlot"), timeSlot);
-    store.save(app, QStringLiteral("HourStart"), hourStart);
-    store.save(app, QStringLiteral("HourEnd"), hourEnd);
-    store.saveFlag(app, QStringLiteral("PrintOnlyApps"), appPrintOnlyApps);
-    store.saveFlag(app, QStringLiteral("PrintColor"), appPrintColor);
-    store.saveFlag(app, QStringLiteral("PrintOptions"), appPrintOptions);
-    store.saveNumber(app, QStringLiteral("AppSortOrder"), appSortOrder);
-    store.saveFlag(app, QStringLiteral("ColumnServCode"), columnServCode);
-    store.saveFlag(app, QStringLiteral("ColumnDiagCode"), columnDiagCode);
-    store.saveFlag(app, QStringLiteral("AlwaysAskTime"), alwaysAskTime);
-    store.saveFlag(app, QStringLiteral("DontPrintOutside"), dontPrintOutside);
-    store.saveReal(app, QStringLiteral("LineHeight"), appLineHeight);
-    store.saveFlag(app, QStringLiteral("DailyCalendar"), dailyCalendar);
-    store.saveFlag(app, QStringLiteral("SevenDayWeek"), sevenDayWeek);
-
-    const QString print = QStringLiteral("Print");
-    store.save(print, QStringLiteral("FontName"), printFontName);
-    store.saveNumber(print, QStringLiteral("FontSize"), printFontSize);
-    store.saveNumber(print, QStringLiteral("HeaderFontSize"), printHeaderFontSize);
-    store.saveNumber(print, QStringLiteral("PrintColor"), printColor);
-    store.saveReal(print, QStringLiteral("LineHeight"), printLineHeight);
-    store.saveNumber(print, QStringLiteral("SkipHeaderLines"), printSkipHeaderLines);
+    writeGroup(store, *this, kBackup);
+    writeSwitches(store, QStringLiteral("SubmitDisk"), switchKey, submitDiskSwitch);
+    writeSwitches(store, QStringLiteral("ReceiveDisk"), switchKey, receiveDiskSwitch);
+    writeGroup(store, *this, kAppointment);
+    writeGroup(store, *this, kPrint);
 
     // Switch 26 is turned on once for every installation that has never stored it.
     if (store.get(kOptions, optionKey(26)).isEmpty()) {
         option[26] = true;
     }
-    for (int n = 1; n <= kSwitchCount; ++n) {
-        store.saveFlag(kOptions, optionKey(n), option[n]);
-    }
-    store.saveNumber(kOptions, QStringLiteral("NextIDUnder"), nextIDUnder);
-    store.saveLines(kOptions, QStringLiteral("InvoiceMessage"), invoiceMessage);
-    store.saveLines(kOptions, QStringLiteral("ReferralFormMessage"), referralFormMessage);
-    store.saveLines(kOptions, QStringLiteral("ReceiptMessage"), receiptMessage);
-    store.saveNumber(kOptions, QStringLiteral("PrintInvoice"), printInvoice);
-    store.saveNumber(kOptions, QStringLiteral("PrintReceipt"), printReceipt);
-    store.saveNumber(kOptions, QStringLiteral("PrintLabelEnvelope"), printLabelEnvelope);
-    store.saveNumber(kOptions, QStringLiteral("PrintLabelChart"), printLabelChart);
-    store.saveNumber(kOptions, QStringLiteral("PrintLabelCount"), printLabelCount);
-    for (int n = 1; n <= kLabelSwitchCount; ++n) {
-        store.saveFlag(kOptions, labelKey(n), optionChartLabel[n]);
-    }
-    store.save(kOptions, QStringLiteral("PrinterPort"), printerPort);
-    store.save(kOptions, QStringLiteral("WideOn"), wideOn);
-    store.save(kOptions, QStringLiteral("WideOff"), wideOff);
-    store.save(kOptions, QStringLiteral("BoldOn"), boldOn);
-    store.save(kOptions, QStringLiteral("BoldOff"), boldOff);
-    store.save(kOptions, QStringLiteral("Track0"), track0);
-    store.save(kOptions, QStringLiteral("MenuFont"), menuFont);
-    store.saveNumber(kOptions, QStringLiteral("MenuSize"), menuSize);
-    store.saveNumber(kOptions, QStringLiteral("MenuSkip"), menuSkip);
-
-    store.save(kGeneral, QStringLiteral("dbPath"), dbPath);
-    store.save(kGeneral, QStringLiteral("dbPPath"), dbPPath);
-    store.save(kGeneral, QStringLiteral("LastDoctor"), lastDoctor);
-    store.save(kGeneral, QStringLiteral("LastSLI"), lastSLI);
-    store.save(kGeneral, QStringLiteral("LastDoctorReconcile"), lastDoctorReconcile);
-    store.save(kGeneral, QStringLiteral("LastDoctorPTC"), lastDoctorPTC);
-    store.save(kGeneral, QStringLiteral("LastDoctorApp"), lastDoctorApp);
-    store.saveNumber(kGeneral, QStringLiteral("SubmitMethod"), submitMethod);
-    store.saveNumber(kGeneral, QStringLiteral("EDTPasswordReminder"), edtPasswordReminder);
-    store.saveNumber(kGeneral, QStringLiteral("DiskIDCounter"), diskIDCounter);
+    writeSwitches(store, kOptions, optionKey, option);
+    writeGroup(store, *this, kOptionsHead);
+    writeSwitches(store, kOptions, labelKey, optionChartLabel);
+    writeGroup(store, *this, kOptionsTail);
+    writeGroup(store, *this, kGeneralKeys);
 }
 
 void AppSettings::saveAll(SettingsStore& store, const Clock& clock) {
