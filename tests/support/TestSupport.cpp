@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSqlRecord>
 
 namespace brimsett::test {
 
@@ -40,6 +41,19 @@ void writeText(const QString& path, const QByteArray& bytes) {
     if (f.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         f.write(bytes);
     }
+}
+
+QStringList rowsOf(QSqlQuery query) {
+    QStringList rows;
+    while (query.next()) {
+        QStringList values;
+        for (int i = 0; i < query.record().count(); ++i) {
+            const QVariant v = query.value(i);
+            values << (v.isNull() ? QStringLiteral("<null>") : v.toString());
+        }
+        rows << values.join(QLatin1Char('|'));
+    }
+    return rows;
 }
 
 QString samplesFolder() {

@@ -3,10 +3,13 @@
 #include "foundation/Database.h"
 #include "foundation/SettingsStore.h"
 
+#include <QSqlQuery>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <memory>
+#include <type_traits>
 
 namespace brimsett::test {
 
@@ -30,6 +33,24 @@ private:
 // Whole file as text; empty when missing.
 QString readText(const QString& path);
 void writeText(const QString& path, const QByteArray& bytes);
+
+// Adds a row to a Qt Test data table; C strings go in as QString (nullptr as a null one),
+// other values as they are, so their types must be the columns' own.
+template <typename... Values>
+void row(const char* name, const Values&... values) {
+    QTestData& data = QTest::newRow(name);
+    const auto column = [](const auto& value) {
+        if constexpr (std::is_convertible_v<decltype(value), const char*>) {
+            return QString::fromUtf8(static_cast<const char*>(value));
+        } else {
+            return value;
+        }
+    };
+    (data << ... << column(values));
+}
+
+// Every row a query gives, as "value|value|...", with "<null>" for NULL.
+QStringList rowsOf(QSqlQuery query);
 
 // The ministry's public sample files, when the shared folder is beside the project.
 QString samplesFolder();
