@@ -109,7 +109,7 @@ Database::OpenResult Database::openSqlite(const QString& file) {
     QSqlDatabase db = QSqlDatabase::addDatabase(dialect->driver(), name);
     db.setDatabaseName(file);
     // Wait for another program or computer holding the write lock rather than failing.
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000;QSQLITE_OPEN_URI=0"));
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));
     auto fail = [&](const QSqlError& e) {
         OpenFailure failure{OpenFailure::Kind::Refused, file, e.nativeErrorCode(),
                             e.databaseText().isEmpty() ? e.text() : e.databaseText()};
