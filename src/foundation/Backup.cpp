@@ -1,6 +1,6 @@
 #include "foundation/Backup.h"
 
-#include "foundation/DateText.h"
+#include "foundation/OfficePaths.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -23,8 +23,7 @@ const QString kDoing = QStringLiteral("making a backup of the database");
 // programs backing up at the same moment cannot both pick the same name.
 QString claimBackupFile(const QString& folder, const QDateTime& moment) {
     for (int attempt = 0; attempt < kMaxNameAttempts; ++attempt) {
-        const QString path = folder + QStringLiteral("medical-") +
-                             datetext::stamp(moment.addSecs(attempt)) + QStringLiteral(".mdb");
+        const QString path = folder + OfficePaths::datedDatabaseName(moment.addSecs(attempt));
         QFile file(path);
         if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
             return path;

@@ -1,5 +1,7 @@
 #include "foundation/OfficePaths.h"
 
+#include "foundation/DateText.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -28,6 +30,10 @@ OfficePaths OfficePaths::resolve(const QString& homeOption) {
     }
     return OfficePaths(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                        QStringLiteral("/Brimsett"));
+}
+
+QString OfficePaths::datedDatabaseName(const QDateTime& moment) {
+    return QStringLiteral("medical-") + datetext::stamp(moment) + QStringLiteral(".mdb");
 }
 
 OfficePaths::OfficePaths(const QString& folder) : m_folder(withSlash(folder)) {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 namespace brimsett {
@@ -18,6 +19,9 @@ public:
     QString blankTemplate() const { return file(QStringLiteral("bsblank.db")); }
     QString restoreHandOver() const { return file(QStringLiteral("medical-r.mdb")); }
     QString defaultDatabase() const { return file(QStringLiteral("medical.mdb")); }
+    // The name of a dated copy of the database: "medical-YYYYMMDD-HHMMSS.mdb". Backups and
+    // the database replaced by a restore are kept under it.
+    static QString datedDatabaseName(const QDateTime& moment);
 
     // A "dbPath" that names a folder gets "medical.mdb" appended; one naming a file is used
     // as it stands. An empty one means this folder.

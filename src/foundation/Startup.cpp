@@ -2,7 +2,6 @@
 
 #include "foundation/AccessLevels.h"
 #include "foundation/Clock.h"
-#include "foundation/DateText.h"
 #include "foundation/Prompter.h"
 #include "foundation/Schema.h"
 #include "foundation/SchemaUpgrade.h"
@@ -98,8 +97,7 @@ void Startup::applyPendingRestore(Result& result) {
     }
     const QString current = m_paths.defaultDatabase();
     if (QFileInfo::exists(current)) {
-        const QString kept = m_paths.file(QStringLiteral("medical-") +
-                                          datetext::stamp(m_clock.now()) + QStringLiteral(".mdb"));
+        const QString kept = m_paths.file(OfficePaths::datedDatabaseName(m_clock.now()));
         if (QFileInfo::exists(kept) || !moveDatabaseFile(current, kept)) {
             m_prompter.tell(
                 QStringLiteral("Restore"),
