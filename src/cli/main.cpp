@@ -17,7 +17,9 @@ const char* kUsage =
     "  settings get SECTION KEY  print a setting\n"
     "  settings set SECTION KEY VALUE\n"
     "  backup                    make a dated backup of the database\n"
-    "  send WORD [ARGS]          send a command word to the running program\n";
+    "  send WORD [ARGS]          send a command word to the running program\n"
+    "  hn check PROVINCE NUMBER  \"valid\" (exit 0) or \"not valid\" (exit 1)\n"
+    "  hn guess NUMBER           the province the number most likely belongs to\n";
 
 }  // namespace
 
@@ -49,7 +51,7 @@ int main(int argc, char** argv) {
     const std::map<QString, std::function<int(CliSession&, const QStringList&)>> commands = {
         {QStringLiteral("init"), commandInit},         {QStringLiteral("sql"), commandSql},
         {QStringLiteral("settings"), commandSettings}, {QStringLiteral("backup"), commandBackup},
-        {QStringLiteral("send"), commandSend},
+        {QStringLiteral("send"), commandSend},         {QStringLiteral("hn"), commandHn},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);

@@ -17,6 +17,8 @@ private slots:
     void settingsGetAndSet();
     void backupWithoutARunningProgramMakesItsOwnCopy();
     void sendWithoutARunningProgramFails();
+    void healthNumbers_data();
+    void healthNumbers();
 };
 
 namespace {
@@ -128,4 +130,26 @@ void TestCli::sendWithoutARunningProgramFails() {
 }
 
 QTEST_GUILESS_MAIN(TestCli)
+void TestCli::healthNumbers_data() {
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("valid") << QStringList{"hn", "check", "ON", "9876543217"} << 0 << "valid\n";
+    QTest::newRow("lower-case province")
+        << QStringList{"hn", "check", "bc", "9698648215"} << 1 << "not valid\n";
+    QTest::newRow("guess") << QStringList{"hn", "guess", "190148527"} << 0 << "SK\n";
+    QTest::newRow("no guess") << QStringList{"hn", "guess", "123"} << 0 << "\n";
+    QTest::newRow("usage") << QStringList{"hn", "check", "ON"} << 2 << "";
+}
+
+void TestCli::healthNumbers() {
+    QFETCH(QStringList, args);
+    QFETCH(int, status);
+    QFETCH(QString, out);
+    test::TempOffice office;
+    const Result r = cli(office, args);
+    QCOMPARE(r.status, status);
+    QCOMPARE(r.out, out);
+}
+
 #include "test_cli.moc"
