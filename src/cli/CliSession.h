@@ -53,6 +53,7 @@ int commandSql(CliSession& session, const QStringList& args);
 int commandSettings(CliSession& session, const QStringList& args);
 int commandBackup(CliSession& session, const QStringList& args);
 int commandSend(CliSession& session, const QStringList& args);
+int commandPatient(CliSession& session, const QStringList& args);
 int commandHn(CliSession& session, const QStringList& args);
 
 // Prints "brimsett-cli: " + reason to standard error and gives the failure status.

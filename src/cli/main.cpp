@@ -19,7 +19,8 @@ const char* kUsage =
     "  backup                    make a dated backup of the database\n"
     "  send WORD [ARGS]          send a command word to the running program\n"
     "  hn check PROVINCE NUMBER  \"valid\" (exit 0) or \"not valid\" (exit 1)\n"
-    "  hn guess NUMBER           the province the number most likely belongs to\n";
+    "  hn guess NUMBER           the province the number most likely belongs to\n"
+    "  patient show ID           print the patient's fields, one per line\n";
 
 }  // namespace
 
@@ -52,6 +53,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("init"), commandInit},         {QStringLiteral("sql"), commandSql},
         {QStringLiteral("settings"), commandSettings}, {QStringLiteral("backup"), commandBackup},
         {QStringLiteral("send"), commandSend},         {QStringLiteral("hn"), commandHn},
+        {QStringLiteral("patient"), commandPatient},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);
