@@ -2,6 +2,7 @@
 
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
+#include "screens/PatientScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmLogin.h"
 #include "screens/frmOptions.h"
@@ -26,7 +27,10 @@ constexpr int kActionLogin = 32;
 }  // namespace
 
 AppShell::AppShell(OfficePaths paths, const QString& settingsFile)
-    : m_paths(std::move(paths)), m_store(settingsFile), m_access(m_store) {}
+    : m_paths(std::move(paths)),
+      m_store(settingsFile),
+      m_access(m_store),
+      m_sqlLog(m_paths, false) {}
 
 AppShell::~AppShell() {
     shutDown();
@@ -68,6 +72,8 @@ bool AppShell::start() {
     m_main = std::make_unique<frmBMain>(menu, m_session.settings, m_registry, m_prompter);
     m_prompter.setParent(m_main.get());
     connect(m_main.get(), &frmBMain::shuttingDown, this, &AppShell::shutDown);
+    m_sqlLog.setOn(m_session.settings.sqlLogOn());
+    registerScreens();
 
     m_receiver = std::make_unique<CommandReceiver>(*m_session.db, m_paths, m_clock, m_registry);
     QString error;
@@ -109,6 +115,12 @@ void AppShell::registerFoundationActions() {
     });
 }
 
+void AppShell::registerScreens() {
+    m_patients = std::make_unique<PatientScreens>(*m_session.db, m_session.settings, m_prompter,
+                                                  m_clock, m_sqlLog, m_main.get());
+    m_patients->registerIn(m_registry);
+}
+
 void AppShell::openOptions() {
     // The options hold the database location and the SQL log: the Master's business.
     if (!m_access.require(AccessLevels::kMaster, m_prompter)) {
@@ -119,6 +131,7 @@ void AppShell::openOptions() {
     if (options.exec() == QDialog::Accepted) {
         m_session.settings = options.settings();
         m_main->applySettings(m_session.settings);
+        m_sqlLog.setOn(m_session.settings.sqlLogOn());
     }
 }
 
@@ -135,6 +148,7 @@ void AppShell::shutDown() {
     if (m_receiver) {
         m_receiver->close();
     }
+    m_patients.reset();
     m_session.settings.saveAll(m_store, m_clock);
     m_session.db->close();
 }

@@ -5,6 +5,7 @@
 #include "foundation/Clock.h"
 #include "foundation/OfficePaths.h"
 #include "foundation/SettingsStore.h"
+#include "foundation/SqlLog.h"
 #include "foundation/Startup.h"
 #include "screens/MessageBoxPrompter.h"
 
@@ -15,6 +16,7 @@
 namespace brimsett {
 
 class CommandReceiver;
+class PatientScreens;
 class frmBMain;
 
 // The running program: starts up, shows the main menu, answers sibling programs, and saves
@@ -37,10 +39,14 @@ public:
     Database& db() { return *m_session.db; }
     AppSettings& settings() { return m_session.settings; }
     AccessLevels& access() { return m_access; }
+    const Clock& clock() const { return m_clock; }
+    // Follows the "Track0" setting as the options screen changes it.
+    const SqlLog& sqlLog() const { return m_sqlLog; }
 
 private:
     bool chooseDatabaseLocation();
     void registerFoundationActions();
+    void registerScreens();
     void openOptions();
     void openPasswords();
     void shutDown();
@@ -54,6 +60,8 @@ private:
     Startup::Result m_session;
     std::unique_ptr<frmBMain> m_main;
     std::unique_ptr<CommandReceiver> m_receiver;
+    SqlLog m_sqlLog;
+    std::unique_ptr<PatientScreens> m_patients;
     int m_exitCode = 0;
     bool m_shutDown = false;
 };

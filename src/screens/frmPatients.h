@@ -1,0 +1,94 @@
+#pragma once
+
+#include "patients/PatientEntry.h"
+#include "patients/PatientRegister.h"
+#include "patients/PatientSearch.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTreeWidget;
+
+namespace brimsett {
+
+// "Patients": finds, shows, adds, changes and deletes patients. A window of its own beside
+// the main menu, so that sibling programs can bring it forward on a patient.
+class frmPatients : public QWidget {
+    Q_OBJECT
+
+public:
+    frmPatients(Database& db, const AppSettings& settings, Prompter& prompter, const Clock& clock,
+                const SqlLog& log, QWidget* parent = nullptr);
+
+    // Shows the stored patient; false (and nothing changed) when there is none.
+    bool showPatient(qint64 id);
+    // An empty form for a new patient, with the given fields already filled.
+    void startNew(const PatientEntry& prefill = {});
+    // Offers to save changes that would otherwise be lost; false when the user cancels.
+    bool mayLeaveCurrent();
+    // The search list is filled from what is typed in the find box.
+    void find();
+
+signals:
+    void patientSaved(qint64 id);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    struct Binding {
+        QString PatientEntry::*member;
+        QLineEdit* edit;
+    };
+
+    QWidget* buildSearch();
+    QWidget* buildRecord();
+    QWidget* buildButtons();
+    QLineEdit* field(QString PatientEntry::*member, int maxLength, const QString& hint = {});
+
+    PatientEntry entryOnScreen() const;
+    void putOnScreen(const PatientEntry& entry);
+    void idEntered();
+    void openChosen();
+    bool save();
+    bool hasChanges() const;
+    void deleteAccount();
+    void newClicked();
+    void healthNumberLeft();
+    void provinceChanged();
+    void applySwitches();
+
+    Database& m_db;
+    const AppSettings& m_settings;
+    Prompter& m_prompter;
+    PatientRegister m_register;
+    PatientSearch m_search;
+
+    std::optional<qint64> m_storedId;  // none while a new patient is on the screen
+    PatientEntry m_shown;              // what was put on the screen, to see changes
+
+    std::vector<Binding> m_bindings;
+    QComboBox* m_findBy = nullptr;
+    QLineEdit* m_findText = nullptr;
+    QTreeWidget* m_results = nullptr;
+    QLabel* m_resultNote = nullptr;
+    QLineEdit* m_id = nullptr;
+    QLineEdit* m_lName = nullptr;
+    QLineEdit* m_healthNum = nullptr;
+    QLineEdit* m_province = nullptr;
+    QLabel* m_provinceName = nullptr;
+    QCheckBox* m_flag = nullptr;
+    QLabel* m_state = nullptr;
+    QPushButton* m_delete = nullptr;
+    QList<QLineEdit*> m_cardFields;
+};
+
+}  // namespace brimsett

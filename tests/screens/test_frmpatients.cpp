@@ -1,0 +1,105 @@
+#include "TestSupport.h"
+
+#include "foundation/AppSettings.h"
+#include "foundation/Clock.h"
+#include "foundation/RecordingPrompter.h"
+#include "foundation/Schema.h"
+#include "foundation/SqlLog.h"
+#include "screens/frmPatients.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QtTest>
+
+using namespace brimsett;
+
+namespace {
+
+struct Desk {
+    test::TempOffice office;
+    std::unique_ptr<Database> db = office.emptyDatabase();
+    AppSettings settings;
+    RecordingPrompter prompter;
+    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(9, 0))};
+    SqlLog log{OfficePaths::resolve(office.folder()), false};
+    std::unique_ptr<frmPatients> window;
+
+    Desk() {
+        schema::create(*db);
+        settings.option[8] = true;
+        db->exec(QStringLiteral(
+            "Insert Into Patients (PatientID, HealthNum, VersionCode, FName, LName, DOB, Sex,"
+            " Province, HPhone, City) Values (7, '9876543217', 'AB', 'Mary', 'O''Brien',"
+            " '1961-04-02', 'F', 'ON', '(416) 555-1234', 'Kingston')"));
+        window = std::make_unique<frmPatients>(*db, settings, prompter, clock, log);
+        window->show();
+    }
+    QLineEdit* edit(const QString& label) const {
+        for (auto* caption : window->findChildren<QLabel*>()) {
+            if (caption->text() == label) {
+                return qobject_cast<QLineEdit*>(caption->buddy());
+            }
+        }
+        return nullptr;
+    }
+};
+
+}  // namespace
+
+class TestFrmPatients : public QObject {
+    Q_OBJECT
+
+private slots:
+    void findByNameListsAndEnterOpens() {
+        Desk desk;
+        auto* findText = desk.window->findChild<QLineEdit*>();
+        QVERIFY(findText);
+        findText->setText(QStringLiteral("o'b*"));
+        desk.window->find();
+        auto* results = desk.window->findChild<QTreeWidget*>();
+        QCOMPARE(results->topLevelItemCount(), 1);
+        QCOMPARE(results->topLevelItem(0)->text(1), QStringLiteral("O'Brien, Mary"));
+        QTest::keyClick(results, Qt::Key_Return);
+        QCOMPARE(desk.edit("&Health Number:")->text(), QStringLiteral("9876543217"));
+        QCOMPARE(desk.edit("&Birth Date:")->text(), QStringLiteral("1961/04/02"));
+        QVERIFY(desk.window->windowTitle().endsWith("O'Brien, Mary"));
+        desk.window->grab().save(QStringLiteral("/tmp/frmPatients.png"));
+    }
+
+    // A changed patient is saved through the register, and the flag follows switch 25.
+    void editAndSave() {
+        Desk desk;
+        desk.settings.option[25] = true;
+        QVERIFY(desk.window->showPatient(7));
+        QVERIFY(desk.window->findChild<QCheckBox*>()->isVisible());
+        desk.edit("&City:")->setText(QStringLiteral("Ottawa"));
+        for (auto* button : desk.window->findChildren<QPushButton*>()) {
+            if (button->text() == QLatin1String("&Save")) {
+                button->click();
+            }
+        }
+        QCOMPARE(desk.prompter.messages().size(), 0);
+        QCOMPARE(desk.db->scalar("Select City From Patients Where PatientID=7").toString(),
+                 QStringLiteral("Ottawa"));
+        // Leaving an unchanged patient asks nothing.
+        QVERIFY(desk.window->mayLeaveCurrent());
+        QVERIFY(desk.prompter.messages().isEmpty());
+    }
+
+    // Letters typed in the id field become a name search (switch 6).
+    void lettersInIdSearchByName() {
+        Desk desk;
+        desk.settings.option[6] = true;
+        QLineEdit* id = desk.edit("Patient &ID:");
+        id->setText(QStringLiteral("o'br"));
+        QTest::keyClick(id, Qt::Key_Return);
+        QCOMPARE(desk.window->findChild<QTreeWidget*>()->topLevelItemCount(), 1);
+        QVERIFY(id->text().isEmpty());
+    }
+};
+
+QTEST_MAIN(TestFrmPatients)
+#include "test_frmpatients.moc"
