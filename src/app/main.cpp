@@ -1,6 +1,7 @@
 #include "foundation/OfficePaths.h"
 #include "foundation/SettingsStore.h"
 #include "screens/AppShell.h"
+#include "screens/BrimsettApplication.h"
 #include "screens/frmBMain.h"
 
 #include <QApplication>
@@ -8,7 +9,7 @@
 #include <QTimer>
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
+    brimsett::BrimsettApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Brimsett"));
     QApplication::setApplicationVersion(QStringLiteral("0.1"));
 

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QApplication>
+
+namespace brimsett {
+
+// The program's application object. A database refusal or another failure thrown while a
+// screen handles a click or a key ends up here instead of ending the program: the user is
+// told what was being done and what went wrong. The transaction of the action has already
+// been rolled back by then, so nothing is left half written.
+class BrimsettApplication : public QApplication {
+public:
+    BrimsettApplication(int& argc, char** argv) : QApplication(argc, argv) {}
+    bool notify(QObject* receiver, QEvent* event) override;
+};
+
+}  // namespace brimsett
