@@ -4,6 +4,7 @@
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
 #include "patients/HealthNumbers.h"
+#include "patients/NameCase.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -148,7 +149,13 @@ QWidget* frmPatients::buildRecord() {
     m_state = new QLabel;
     who.add(QString(), m_state);
     who.add(QStringLiteral("&Last Name:"), m_lName);
-    who.add(QStringLiteral("&First Name:"), field(&PatientEntry::fName, 50));
+    QLineEdit* fName = field(&PatientEntry::fName, 50);
+    who.add(QStringLiteral("&First Name:"), fName);
+    // Names typed in one case are given the capitals the desk would write by hand.
+    for (QLineEdit* name : {m_lName, fName}) {
+        connect(name, &QLineEdit::editingFinished, this,
+                [name] { name->setText(nameCase(name->text())); });
+    }
     who.add(QStringLiteral("&Birth Date:"), field(&PatientEntry::dob, 10, dateHint));
     who.add(QStringLiteral("&Sex:"), field(&PatientEntry::sex, 1, QStringLiteral("M or F")));
     connect(m_id, &QLineEdit::returnPressed, this, &frmPatients::idEntered);
@@ -248,6 +255,8 @@ PatientEntry frmPatients::entryOnScreen() const {
             entry.*b.member = b.edit->text().trimmed();
         }
     }
+    // Cards print the number in groups; the number itself has no blanks or dashes.
+    entry.healthNum.remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
     entry.province = entry.province.toUpper();
     entry.sex = entry.sex.toUpper();
     entry.versionCode = entry.versionCode.toUpper();
