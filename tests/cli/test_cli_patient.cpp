@@ -1,0 +1,65 @@
+#include "TestSupport.h"
+
+#include <QProcess>
+#include <QtTest>
+
+using namespace brimsett;
+
+namespace {
+
+struct Result {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+Result cli(const test::TempOffice& office, const QStringList& args) {
+    QProcess p;
+    p.setProgram(QStringLiteral(BRIMSETT_CLI));
+    p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
+                   args);
+    p.start();
+    p.closeWriteChannel();
+    if (!p.waitForFinished(60000)) {
+        p.kill();
+        return {};
+    }
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+}  // namespace
+
+class TestCliPatient : public QObject {
+    Q_OBJECT
+
+private slots:
+    void showPrintsFieldsOrSaysWhyNot() {
+        test::TempOffice office;
+        QCOMPARE(cli(office, {"init"}).status, 0);
+        QCOMPARE(cli(office, {"sql",
+                              "Insert Into patients (PatientID, LName, FName, DOB, Flag)"
+                              " Values(7, 'O''Brien', 'Mary', '1980-05-17', 1)"})
+                     .status,
+                 0);
+
+        const Result shown = cli(office, {"patient", "show", "7"});
+        QCOMPARE(shown.status, 0);
+        const QStringList lines = shown.out.split('\n');
+        for (const char* line : {"Patient ID: 7", "Last Name: O'Brien", "First Name: Mary",
+                                 "Date of Birth: 1980/05/17", "Sex: ", "Flag: Yes"}) {
+            QVERIFY2(lines.contains(QString::fromUtf8(line)), line);
+        }
+
+        const Result missing = cli(office, {"patient", "show", "8"});
+        QCOMPARE(missing.status, 1);
+        QVERIFY(missing.err.contains("No such patient"));
+
+        const Result notANumber = cli(office, {"patient", "show", "7x"});
+        QCOMPARE(notANumber.status, 2);
+        QVERIFY(notANumber.err.contains("Invalid number."));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliPatient)
+#include "test_cli_patient.moc"
