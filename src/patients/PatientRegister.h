@@ -19,7 +19,8 @@ inline constexpr const char* kNoSuchPatient = "No such patient";
 
 // Loading, numbering, saving and deleting patients. Every question and message goes through
 // the Prompter; each save or delete is one transaction, and its statements go to the SQL log
-// (when logging is on) only after the commit.
+// (when logging is on) only after the commit. A statement the database refuses throws
+// DbError, and the transaction is rolled back before it reaches the caller.
 //
 // Titles of the messages given here: "Patient ID" for the typed-id question and its refusal,
 // "Patients" for "Invalid number.", "No such patient" and the unchanged save, "Delete Account"
