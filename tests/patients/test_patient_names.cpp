@@ -21,7 +21,6 @@ private slots:
         test::row("two words lower case", "mary ann", "Mary Ann");
         test::row("particles", "VAN DER BERG", "Van Der Berg");
         test::row("mc", "MCDONALD", "McDonald");
-        test::row("mc too short", "MCA", "Mca");
         test::row("mixed case kept", "McDONALD", "McDONALD");
         test::row("mixed particles kept", "van der Berg", "van der Berg");
         test::row("blanks tidied", "  mary   ann ", "Mary Ann");
@@ -42,42 +41,12 @@ private slots:
         test::row("dashed", " 2024-02-29 ", QDate(2024, 2, 29));
         test::row("no such day", "2023/02/29", QDate());
         test::row("day first", "29/02/2024", QDate());
-        test::row("mixed separators", "2024/02-29", QDate());
         test::row("short", "2024/2/29", QDate());
     }
     void readTypedDate() {
         QFETCH(QString, typed);
         QFETCH(QDate, date);
         QCOMPARE(brimsett::readTypedDate(typed), date);
-    }
-
-    void storedDatesShownSlashed() {
-        QCOMPARE(dateTextOf(QVariant("2024-02-29")), QStringLiteral("2024/02/29"));
-        QCOMPARE(dateTextOf(QVariant("2024-02-29 13:05:00")), QStringLiteral("2024/02/29"));
-        QCOMPARE(dateTextOf(QVariant(QDate(2024, 2, 29))), QStringLiteral("2024/02/29"));
-        QCOMPARE(dateTextOf(QVariant()), QString());
-        QCOMPARE(dateTextOf(QVariant("soon")), QStringLiteral("soon"));
-    }
-
-    void displayName_data() {
-        QTest::addColumn<QString>("first");
-        QTest::addColumn<QString>("last");
-        QTest::addColumn<bool>("lastFirst");
-        QTest::addColumn<QString>("shown");
-        test::row("first last", "Mary", "Smith", false, "Mary Smith");
-        test::row("last, first", "Mary", "Smith", true, "Smith, Mary");
-        test::row("no first name", "", "Smith", true, "Smith");
-        test::row("no last name", "Mary", "", true, "Mary");
-    }
-    void displayName() {
-        QFETCH(QString, first);
-        QFETCH(QString, last);
-        QFETCH(bool, lastFirst);
-        QFETCH(QString, shown);
-        PatientEntry e;
-        e.fName = first;
-        e.lName = last;
-        QCOMPARE(e.displayName(lastFirst), shown);
     }
 };
 
