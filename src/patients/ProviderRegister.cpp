@@ -59,7 +59,19 @@ std::optional<Provider> ProviderRegister::load(const QString& doctorId) {
 
 std::optional<Provider> ProviderRegister::save(const Provider& typed, const QString& savedId) {
     m_badField.reset();
-    const Provider provider = typed.normalised();
+    try {
+        return trySave(typed.normalised(), savedId);
+    } catch (const DbError& e) {
+        // The transaction, if one was open, has been rolled back.
+        m_prompter.error({QStringLiteral("Provider %1 was not saved; nothing was changed.")
+                              .arg(typed.normalised().doctorId),
+                          e.message()});
+        return std::nullopt;
+    }
+}
+
+std::optional<Provider> ProviderRegister::trySave(const Provider& provider,
+                                                  const QString& savedId) {
     const QList<ProviderChecks::Problem> problems =
         ProviderChecks(m_db).problems(provider, savedId);
     if (!problems.isEmpty()) {
@@ -91,7 +103,7 @@ std::optional<Provider> ProviderRegister::save(const Provider& typed, const QStr
     }
 
     QStringList logged;
-    try {
+    {
         Transaction transaction(m_db, QStringLiteral("saving provider ") + provider.doctorId);
         if (isNew) {
             const auto bound = builder.boundInsert();
@@ -120,11 +132,6 @@ std::optional<Provider> ProviderRegister::save(const Provider& typed, const QStr
             }
         }
         transaction.commit();
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("Provider %1 was not saved; nothing was changed.")
-                              .arg(provider.doctorId),
-                          e.message()});
-        return std::nullopt;
     }
     for (const QString& statement : std::as_const(logged)) {
         m_log.write(statement);
@@ -136,6 +143,17 @@ std::optional<Provider> ProviderRegister::save(const Provider& typed, const QStr
 }
 
 bool ProviderRegister::remove(const QString& doctorId) {
+    try {
+        return tryRemove(doctorId);
+    } catch (const DbError& e) {
+        m_prompter.error(
+            {QStringLiteral("Provider %1 was not deleted; nothing was changed.").arg(doctorId),
+             e.message()});
+        return false;
+    }
+}
+
+bool ProviderRegister::tryRemove(const QString& doctorId) {
     const std::optional<Provider> provider = load(doctorId);
     if (!provider) {
         return false;
@@ -164,7 +182,7 @@ bool ProviderRegister::remove(const QString& doctorId) {
     }
 
     QStringList logged;
-    try {
+    {
         Transaction transaction(m_db, QStringLiteral("deleting provider ") + id);
         // A claim may have been entered on another computer while the question was open.
         if (const qint64 pending = pendingClaims(id); pending > 0) {
@@ -180,11 +198,6 @@ bool ProviderRegister::remove(const QString& doctorId) {
                           .arg(table, quoted(id));
         }
         transaction.commit();
-    } catch (const DbError& e) {
-        m_prompter.error(
-            {QStringLiteral("Provider %1 was not deleted; nothing was changed.").arg(id),
-             e.message()});
-        return false;
     }
     for (const QString& statement : std::as_const(logged)) {
         m_log.write(statement);

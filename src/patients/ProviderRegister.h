@@ -48,6 +48,10 @@ public:
     bool remove(const QString& doctorId);
 
 private:
+    // The work of save() and remove(); a refused statement throws, and the transaction
+    // rolls back on the way out.
+    std::optional<Provider> trySave(const Provider& provider, const QString& savedId);
+    bool tryRemove(const QString& doctorId);
     qint64 pendingClaims(const QString& doctorId);
     void renumberSettings(const QString& from, const QString& to);
 

@@ -76,6 +76,19 @@ std::optional<ReferringDoctor> ReferringDoctorRegister::save(const ReferringDoct
                                                              const QString& savedNum) {
     m_badField.reset();
     const ReferringDoctor doctor = typed.normalised();
+    try {
+        return trySave(doctor, savedNum);
+    } catch (const DbError& e) {
+        // The transaction, if one was open, has been rolled back.
+        m_prompter.error({QStringLiteral("Referring doctor %1 was not saved; nothing was changed.")
+                              .arg(doctor.providerNum),
+                          e.message()});
+        return std::nullopt;
+    }
+}
+
+std::optional<ReferringDoctor> ReferringDoctorRegister::trySave(const ReferringDoctor& doctor,
+                                                                const QString& savedNum) {
     const QList<Problem> found = problems(doctor, savedNum);
     if (!found.isEmpty()) {
         m_badField = found.first().field;
@@ -108,7 +121,7 @@ std::optional<ReferringDoctor> ReferringDoctorRegister::save(const ReferringDoct
     }
 
     QStringList logged;
-    try {
+    {
         Transaction transaction(m_db,
                                 QStringLiteral("saving referring doctor ") + doctor.providerNum);
         if (isNew) {
@@ -139,11 +152,6 @@ std::optional<ReferringDoctor> ReferringDoctorRegister::save(const ReferringDoct
             }
         }
         transaction.commit();
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("Referring doctor %1 was not saved; nothing was changed.")
-                              .arg(doctor.providerNum),
-                          e.message()});
-        return std::nullopt;
     }
     for (const QString& statement : std::as_const(logged)) {
         m_log.write(statement);
@@ -152,6 +160,16 @@ std::optional<ReferringDoctor> ReferringDoctorRegister::save(const ReferringDoct
 }
 
 bool ReferringDoctorRegister::remove(const QString& providerNum) {
+    try {
+        return tryRemove(providerNum);
+    } catch (const DbError& e) {
+        m_prompter.error(
+            {QStringLiteral("Referring doctor %1 was not deleted.").arg(providerNum), e.message()});
+        return false;
+    }
+}
+
+bool ReferringDoctorRegister::tryRemove(const QString& providerNum) {
     const std::optional<ReferringDoctor> doctor = load(providerNum);
     if (!doctor) {
         return false;
@@ -164,15 +182,11 @@ bool ReferringDoctorRegister::remove(const QString& providerNum) {
                             {QStringLiteral("Delete referring doctor %1?").arg(who)})) {
         return false;
     }
-    try {
+    {
         Transaction transaction(m_db, QStringLiteral("deleting referring doctor ") + who);
         m_db.exec(QStringLiteral("Delete From DoctorsOther Where ProviderNum=?"),
                   {doctor->providerNum}, QStringLiteral("deleting referring doctor ") + who);
         transaction.commit();
-    } catch (const DbError& e) {
-        m_prompter.error(
-            {QStringLiteral("Referring doctor %1 was not deleted.").arg(who), e.message()});
-        return false;
     }
     m_log.write(QStringLiteral("Delete From DoctorsOther Where ProviderNum=") +
                 quoted(doctor->providerNum));

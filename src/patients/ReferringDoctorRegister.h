@@ -52,6 +52,11 @@ public:
     bool remove(const QString& providerNum);
 
 private:
+    // The work of save() and remove(); a refused statement throws, and the transaction
+    // rolls back on the way out.
+    std::optional<ReferringDoctor> trySave(const ReferringDoctor& doctor, const QString& savedNum);
+    bool tryRemove(const QString& providerNum);
+
     Database& m_db;
     Prompter& m_prompter;
     const SqlLog& m_log;

@@ -1,0 +1,147 @@
+#include "screens/ProviderScreens.h"
+
+#include "foundation/ActionRegistry.h"
+#include "patients/HealthNumbers.h"
+#include "patients/ProviderRegister.h"
+#include "screens/frmDoctors.h"
+#include "screens/frmDoctorsOther.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace brimsett {
+
+namespace {
+
+constexpr int kActionProviders = 11;
+
+// Opens each provider screen once and brings it forward when it is asked for again.
+class ProviderScreenOpener : public QObject {
+public:
+    ProviderScreenOpener(Database& db, AppSettings& settings, const SqlLog& log, Prompter& prompter,
+                         QWidget* parent)
+        : QObject(parent),
+          m_db(db),
+          m_settings(settings),
+          m_log(log),
+          m_prompter(prompter),
+          m_parent(parent) {}
+
+    frmDoctors* doctors() {
+        if (!m_doctors) {
+            m_doctors = new frmDoctors(m_db, m_settings, m_log, m_prompter, m_parent);
+            m_doctors->setAttribute(Qt::WA_DeleteOnClose);
+            connect(m_doctors, &frmDoctors::referringDoctorsRequested, this,
+                    [this] { bringForward(referringDoctors()); });
+        }
+        bringForward(m_doctors);
+        return m_doctors;
+    }
+
+    frmDoctorsOther* referringDoctors() {
+        if (!m_others) {
+            m_others = new frmDoctorsOther(m_db, m_settings, m_log, m_prompter, m_parent);
+            m_others->setAttribute(Qt::WA_DeleteOnClose);
+        }
+        bringForward(m_others);
+        return m_others;
+    }
+
+    // The receiver's questions are answered from the database, whatever is on screen.
+    std::optional<Provider> storedProvider(const QString& doctorId) {
+        return ProviderRegister(m_db, m_settings, m_prompter, m_log).load(doctorId);
+    }
+
+private:
+    static void bringForward(QWidget* window) {
+        window->show();
+        window->raise();
+        window->activateWindow();
+    }
+
+    Database& m_db;
+    AppSettings& m_settings;
+    const SqlLog& m_log;
+    Prompter& m_prompter;
+    QWidget* m_parent;
+    QPointer<frmDoctors> m_doctors;
+    QPointer<frmDoctorsOther> m_others;
+};
+
+const QString kNotFound = QStringLiteral("NOT FOUND");
+
+}  // namespace
+
+void registerProviderScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
+                             const SqlLog& log, Prompter& prompter, QWidget* parent) {
+    auto* opener = new ProviderScreenOpener(db, settings, log, prompter, parent);
+    registry.setAction(kActionProviders, QStringLiteral("Providers"),
+                       [opener] { opener->doctors(); });
+    registry.setCommand(QStringLiteral("DOCTOR"), [opener](const QString& id) {
+        if (id.isEmpty() || !opener->storedProvider(id)) {
+            return kNotFound;
+        }
+        // The user may choose to stay on unsaved changes; the screen is forward either way.
+        opener->doctors()->showProvider(id);
+        return QStringLiteral("OK");
+    });
+    registry.setCommand(QStringLiteral("VDOC"), [opener](const QString& id) {
+        const std::optional<Provider> provider =
+            id.isEmpty() ? std::nullopt : opener->storedProvider(id);
+        return provider ? providerSummaryLine(*provider) : kNotFound;
+    });
+    registry.setCommand(QStringLiteral("NOTPROVIDER"), [opener](const QString& number) {
+        if (number.size() != 6 || !hn::allDigits(number)) {
+            return QStringLiteral("BAD NUMBER");
+        }
+        opener->referringDoctors()->showNumber(number);
+        return QStringLiteral("OK");
+    });
+}
+
+namespace providerscreens {
+
+void fillCodeBox(QComboBox* box, const QList<CodeChoice>& choices) {
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->clear();
+    for (const CodeChoice& c : choices) {
+        box->addItem(c.text(), c.code);
+    }
+}
+
+void setBoxCode(QComboBox* box, const QString& code) {
+    const int index = code.isEmpty() ? -1 : box->findData(code, Qt::UserRole, Qt::MatchFixedString);
+    box->setCurrentIndex(index);
+    if (index < 0) {
+        box->setEditText(code);  // a code the office's list lacks is still shown as stored
+    }
+}
+
+QString boxCode(const QComboBox* box) {
+    return codeOfChoiceText(box->currentText());
+}
+
+void EnterMovesOn::watch(QWidget* field) {
+    field->installEventFilter(this);
+}
+
+bool EnterMovesOn::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) {
+        return false;
+    }
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
+    if ((key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) || mods != Qt::NoModifier) {
+        return false;
+    }
+    // Tab is what the field itself knows as "next", whatever kind of field it is.
+    QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+    QApplication::sendEvent(watched, &tab);
+    return true;
+}
+
+}  // namespace providerscreens
+}  // namespace brimsett

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "patients/ProviderCodeLists.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+class QComboBox;
+class QWidget;
+
+namespace brimsett {
+
+class ActionRegistry;
+class Database;
+class Prompter;
+class SqlLog;
+struct AppSettings;
+
+// Menu action 11 ("Providers") opens frmDoctors. The receiver words:
+//   "DOCTOR id"       brings frmDoctors forward on that provider: "OK", or "NOT FOUND"
+//   "VDOC id"         opens nothing: "DoctorID|LName|FName|ProviderNum|GroupNum|SpecCode",
+//                     or "NOT FOUND"
+//   "NOTPROVIDER num" brings frmDoctorsOther forward on the referring doctor with that billing
+//                     number, or on a new one with the number filled in: "OK"; a number that
+//                     is not 6 digits opens nothing: "BAD NUMBER"
+// Each screen is opened once and brought forward when asked again; both belong to parent.
+void registerProviderScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
+                             const SqlLog& log, Prompter& prompter, QWidget* parent);
+
+// What the provider screens share: code boxes and the Enter key.
+namespace providerscreens {
+
+// An editable box listing "code - description" that also takes a typed code.
+void fillCodeBox(QComboBox* box, const QList<CodeChoice>& choices);
+void setBoxCode(QComboBox* box, const QString& code);
+QString boxCode(const QComboBox* box);
+
+// Enter (or Return) in a watched field moves to the next one, as the office is used to;
+// every other key, the F-keys among them, goes on as usual.
+class EnterMovesOn : public QObject {
+public:
+    using QObject::QObject;
+    void watch(QWidget* field);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+}  // namespace providerscreens
+}  // namespace brimsett

@@ -1,0 +1,289 @@
+#include "screens/frmDoctorsOther.h"
+
+#include "foundation/Database.h"
+#include "foundation/Prompter.h"
+#include "patients/ProviderChangeQuestion.h"
+#include "patients/ProviderCodeLists.h"
+#include "patients/ReferringDoctorSearch.h"
+#include "screens/ProviderScreens.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace brimsett {
+
+namespace {
+
+using Field = ReferringDoctor::Field;
+
+constexpr int kNumberRole = Qt::UserRole;
+
+}  // namespace
+
+frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, const SqlLog& log,
+                                 Prompter& prompter, QWidget* parent)
+    : QDialog(parent),
+      m_db(db),
+      m_settings(settings),
+      m_prompter(prompter),
+      m_register(db, prompter, log) {
+    setWindowTitle(QStringLiteral("Referring Doctors"));
+    m_enter = new providerscreens::EnterMovesOn(this);
+
+    // Created in the order Tab should follow: search, list, fields, buttons.
+    m_find = new QLineEdit(this);
+    m_find->setPlaceholderText(QStringLiteral("Last name, \"last, first\" or billing number"));
+    m_find->setClearButtonEnabled(true);
+    m_enter->watch(m_find);
+    connect(m_find, &QLineEdit::textChanged, this, &frmDoctorsOther::search);
+
+    m_list = new QTreeWidget(this);
+    m_list->setColumnCount(3);
+    m_list->setHeaderLabels(
+        {QStringLiteral("Billing No."), QStringLiteral("Name"), QStringLiteral("City")});
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setMinimumWidth(340);
+    m_list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+    m_list->header()->setStretchLastSection(false);
+    m_enter->watch(m_list);
+    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmDoctorsOther::listRowChanged);
+    m_more = new QLabel(QStringLiteral("More doctors match: type more of the name."), this);
+    m_more->setVisible(false);
+
+    auto* findLabel = new QLabel(QStringLiteral("F&ind:"), this);
+    findLabel->setBuddy(m_find);
+    auto* findRow = new QHBoxLayout;
+    findRow->addWidget(findLabel);
+    findRow->addWidget(m_find);
+    auto* left = new QVBoxLayout;
+    left->addLayout(findRow);
+    left->addWidget(m_list, 1);
+    left->addWidget(m_more);
+
+    QWidget* fields = fieldsPanel();
+
+    auto* add = new QPushButton(QStringLiteral("&New"), this);
+    auto* save = new QPushButton(QStringLiteral("&Save"), this);
+    auto* remove = new QPushButton(QStringLiteral("&Delete"), this);
+    auto* close = new QPushButton(QStringLiteral("Close"), this);
+    connect(add, &QPushButton::clicked, this, &frmDoctorsOther::newClicked);
+    connect(save, &QPushButton::clicked, this, &frmDoctorsOther::saveClicked);
+    connect(remove, &QPushButton::clicked, this, &frmDoctorsOther::deleteClicked);
+    connect(close, &QPushButton::clicked, this, &frmDoctorsOther::reject);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(add);
+    buttons->addWidget(save);
+    buttons->addWidget(remove);
+    buttons->addStretch();
+    buttons->addWidget(close);
+
+    auto* body = new QHBoxLayout;
+    body->addLayout(left, 1);
+    body->addWidget(fields);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(body);
+    layout->addLayout(buttons);
+
+    search();
+    showOnFields(ReferringDoctor{}, QString());
+    m_find->setFocus();
+}
+
+QLineEdit* frmDoctorsOther::lineFor(Field field, int widthInChars) {
+    auto* line = new QLineEdit(this);
+    line->setMaxLength(ReferringDoctor::column(field).maxLength);
+    if (widthInChars > 0) {
+        const QFontMetrics metrics(line->font());
+        line->setMaximumWidth(
+            metrics.horizontalAdvance(QString(widthInChars + 2, QLatin1Char('W'))));
+    }
+    m_lines.insert(field, line);
+    m_enter->watch(line);
+    return line;
+}
+
+QWidget* frmDoctorsOther::fieldsPanel() {
+    auto* panel = new QWidget(this);
+    auto* form = new QFormLayout(panel);
+    form->setContentsMargins(0, 0, 0, 0);
+    form->addRow(QStringLiteral("&Billing number:"), lineFor(Field::ProviderNum, 6));
+    form->addRow(QStringLiteral("Sal&utation:"), lineFor(Field::Salutation, 8));
+    form->addRow(QStringLiteral("&First name:"), lineFor(Field::FName, 0));
+    form->addRow(QStringLiteral("&Last name:"), lineFor(Field::LName, 0));
+    m_specialty = new QComboBox(panel);
+    try {
+        providerscreens::fillCodeBox(m_specialty, specialtyChoices(m_db));
+    } catch (const DbError& e) {
+        fail(QStringLiteral("The specialties could not be read."), e);
+    }
+    m_enter->watch(m_specialty);
+    form->addRow(QStringLiteral("S&pecialty:"), m_specialty);
+    form->addRow(QStringLiteral("&Address:"), lineFor(Field::Address, 0));
+    form->addRow(QStringLiteral("Address line &2:"), lineFor(Field::Address2, 0));
+    form->addRow(QStringLiteral("Ci&ty:"), lineFor(Field::City, 0));
+    form->addRow(QStringLiteral("Pro&vince:"), lineFor(Field::Province, 2));
+    form->addRow(QStringLiteral("Postal &code:"), lineFor(Field::PostalCode, 8));
+    form->addRow(QStringLiteral("P&hone:"), lineFor(Field::Phone, 0));
+    form->addRow(QStringLiteral("Fa&x:"), lineFor(Field::Fax, 0));
+    panel->setMinimumWidth(400);
+    return panel;
+}
+
+void frmDoctorsOther::fail(const QString& doing, const DbError& e) {
+    m_prompter.error({doing, e.message()});
+}
+
+void frmDoctorsOther::search() {
+    ReferringDoctorMatches matches;
+    try {
+        matches = ReferringDoctorSearch(m_db, m_settings).find(m_find->text());
+    } catch (const DbError& e) {
+        fail(QStringLiteral("The referring doctors could not be searched."), e);
+    }
+    m_moving = true;
+    m_list->clear();
+    for (const ReferringDoctor& d : std::as_const(matches.rows)) {
+        auto* item = new QTreeWidgetItem(m_list, {d.providerNum, d.displayName(), d.city});
+        item->setData(0, kNumberRole, d.providerNum);
+    }
+    m_list->resizeColumnToContents(0);
+    m_more->setVisible(matches.more);
+    m_moving = false;
+    selectInList(m_savedNum);
+}
+
+void frmDoctorsOther::selectInList(const QString& providerNum) {
+    m_moving = true;
+    m_list->setCurrentItem(nullptr);
+    for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* item = m_list->topLevelItem(i);
+        if (!providerNum.isEmpty() && item->data(0, kNumberRole).toString() == providerNum) {
+            m_list->setCurrentItem(item);
+        }
+    }
+    m_moving = false;
+}
+
+void frmDoctorsOther::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*) {
+    if (m_moving || current == nullptr) {
+        return;
+    }
+    // Saving may rebuild the list, which must not happen inside the list's own signal.
+    const QString target = current->data(0, kNumberRole).toString();
+    QTimer::singleShot(0, this, [this, target] {
+        if (target != m_savedNum && !showNumber(target)) {
+            selectInList(m_savedNum);
+        }
+    });
+}
+
+bool frmDoctorsOther::showNumber(const QString& providerNum) {
+    if (!leaveShown()) {
+        return false;
+    }
+    std::optional<ReferringDoctor> doctor;
+    try {
+        doctor = m_register.load(providerNum);
+    } catch (const DbError& e) {
+        fail(QStringLiteral("The referring doctor could not be read."), e);
+    }
+    if (doctor) {
+        showOnFields(*doctor, doctor->providerNum);
+    } else {
+        ReferringDoctor fresh;
+        fresh.providerNum = providerNum;
+        showOnFields(fresh, QString());
+        m_lines.value(Field::LName)->setFocus();
+    }
+    selectInList(m_savedNum);
+    return true;
+}
+
+void frmDoctorsOther::newClicked() {
+    if (!leaveShown()) {
+        return;
+    }
+    showOnFields(ReferringDoctor{}, QString());
+    selectInList(QString());
+    m_lines.value(Field::ProviderNum)->setFocus();
+}
+
+bool frmDoctorsOther::saveClicked() {
+    const std::optional<ReferringDoctor> stored = m_register.save(fromFields(), m_savedNum);
+    if (!stored) {
+        if (const auto field = m_register.badField()) {
+            QWidget* widget = *field == Field::SpecCode ? static_cast<QWidget*>(m_specialty)
+                                                        : m_lines.value(*field);
+            widget->setFocus();
+        }
+        return false;
+    }
+    showOnFields(*stored, stored->providerNum);
+    search();
+    return true;
+}
+
+void frmDoctorsOther::deleteClicked() {
+    if (!m_savedNum.isEmpty() && !m_register.remove(m_savedNum)) {
+        return;
+    }
+    // A new doctor not yet saved is simply dropped.
+    showOnFields(ReferringDoctor{}, QString());
+    search();
+    m_find->setFocus();
+}
+
+bool frmDoctorsOther::leaveShown() {
+    if (!changed()) {
+        return true;
+    }
+    switch (askToSaveChanges(m_prompter, ReferringDoctorRegister::kLeaveTitle)) {
+        case LeaveChoice::Save:
+            return saveClicked();
+        case LeaveChoice::Discard:
+            return true;
+        case LeaveChoice::Stay:
+            break;
+    }
+    return false;
+}
+
+void frmDoctorsOther::reject() {
+    if (leaveShown()) {
+        QDialog::reject();
+    }
+}
+
+void frmDoctorsOther::showOnFields(const ReferringDoctor& doctor, const QString& savedNum) {
+    m_shown = doctor;
+    m_savedNum = savedNum;
+    for (auto it = m_lines.cbegin(); it != m_lines.cend(); ++it) {
+        it.value()->setText(doctor.value(it.key()));
+        it.value()->setCursorPosition(0);
+    }
+    providerscreens::setBoxCode(m_specialty, doctor.specCode);
+}
+
+ReferringDoctor frmDoctorsOther::fromFields() const {
+    ReferringDoctor d;
+    for (auto it = m_lines.cbegin(); it != m_lines.cend(); ++it) {
+        d.setValue(it.key(), it.value()->text());
+    }
+    d.specCode = providerscreens::boxCode(m_specialty);
+    return d;
+}
+
+bool frmDoctorsOther::changed() const {
+    return fromFields().normalised() != m_shown.normalised();
+}
+
+}  // namespace brimsett
