@@ -3,6 +3,7 @@
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
 #include "screens/PatientScreens.h"
+#include "screens/ProviderScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmLogin.h"
 #include "screens/frmOptions.h"
@@ -119,6 +120,8 @@ void AppShell::registerScreens() {
     m_patients = std::make_unique<PatientScreens>(*m_session.db, m_session.settings, m_prompter,
                                                   m_clock, m_sqlLog, m_main.get());
     m_patients->registerIn(m_registry);
+    registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
+                            m_main.get());
 }
 
 void AppShell::openOptions() {

@@ -20,8 +20,9 @@ bool BrimsettApplication::notify(QObject* receiver, QEvent* event) {
     try {
         return QApplication::notify(receiver, event);
     } catch (const DbError& e) {
-        report({QStringLiteral("The database refused a statement; nothing of this action was saved."),
-                QString(), e.message()});
+        report(
+            {QStringLiteral("The database refused a statement; nothing of this action was saved."),
+             QString(), e.message()});
     } catch (const std::exception& e) {
         report({QStringLiteral("Brimsett could not finish what you asked for:"), QString(),
                 QString::fromLocal8Bit(e.what())});

@@ -36,16 +36,5 @@ void fillCodeBox(QComboBox* box, const QList<CodeChoice>& choices);
 void setBoxCode(QComboBox* box, const QString& code);
 QString boxCode(const QComboBox* box);
 
-// Enter (or Return) in a watched field moves to the next one, as the office is used to;
-// every other key, the F-keys among them, goes on as usual.
-class EnterMovesOn : public QObject {
-public:
-    using QObject::QObject;
-    void watch(QWidget* field);
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-};
-
 }  // namespace providerscreens
 }  // namespace brimsett

@@ -4,6 +4,7 @@
 #include "foundation/Prompter.h"
 #include "patients/ProviderChangeQuestion.h"
 #include "patients/ProviderCodeLists.h"
+#include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
 
 #include <QComboBox>
@@ -31,7 +32,7 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
                        QWidget* parent)
     : QDialog(parent), m_db(db), m_prompter(prompter), m_register(db, settings, prompter, log) {
     setWindowTitle(QStringLiteral("Providers"));
-    m_enter = new providerscreens::EnterMovesOn(this);
+    m_enter = new EnterMovesOn(this);
 
     // Created in the order Tab should follow: list, fields, buttons.
     m_list = new QTreeWidget(this);

@@ -20,9 +20,7 @@ class Prompter;
 class SqlLog;
 struct AppSettings;
 
-namespace providerscreens {
 class EnterMovesOn;
-}
 
 // "Providers": the office's billing doctors listed on the left, the chosen one's fields on
 // the right. Leaving a changed provider asks whether to save it first.
@@ -65,7 +63,7 @@ private:
     Database& m_db;
     Prompter& m_prompter;
     ProviderRegister m_register;
-    providerscreens::EnterMovesOn* m_enter = nullptr;
+    EnterMovesOn* m_enter = nullptr;
     QTreeWidget* m_list = nullptr;
     QHash<Provider::Field, QLineEdit*> m_lines;
     QComboBox* m_specialty = nullptr;

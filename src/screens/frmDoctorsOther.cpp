@@ -5,6 +5,7 @@
 #include "patients/ProviderChangeQuestion.h"
 #include "patients/ProviderCodeLists.h"
 #include "patients/ReferringDoctorSearch.h"
+#include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
 
 #include <QComboBox>
@@ -36,7 +37,7 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
       m_prompter(prompter),
       m_register(db, prompter, log) {
     setWindowTitle(QStringLiteral("Referring Doctors"));
-    m_enter = new providerscreens::EnterMovesOn(this);
+    m_enter = new EnterMovesOn(this);
 
     // Created in the order Tab should follow: search, list, fields, buttons.
     m_find = new QLineEdit(this);

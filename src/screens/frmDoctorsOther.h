@@ -20,9 +20,7 @@ class Prompter;
 class SqlLog;
 struct AppSettings;
 
-namespace providerscreens {
 class EnterMovesOn;
-}
 
 // "Referring Doctors": a search box with the doctors it finds, and the chosen doctor's
 // fields. Leaving a changed doctor asks whether to save it first.
@@ -60,7 +58,7 @@ private:
     const AppSettings& m_settings;
     Prompter& m_prompter;
     ReferringDoctorRegister m_register;
-    providerscreens::EnterMovesOn* m_enter = nullptr;
+    EnterMovesOn* m_enter = nullptr;
     QLineEdit* m_find = nullptr;
     QTreeWidget* m_list = nullptr;
     QLabel* m_more = nullptr;

@@ -5,6 +5,7 @@
 #include "foundation/Prompter.h"
 #include "patients/HealthNumbers.h"
 #include "patients/NameCase.h"
+#include "screens/EnterMovesOn.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -68,6 +69,8 @@ frmPatients::frmPatients(Database& db, const AppSettings& settings, Prompter& pr
       m_register(db, settings, prompter, clock, log),
       m_search(db, settings) {
     setWindowTitle(kTitle);
+    // Enter moves on through the fields, as the desk types a patient in one go.
+    m_enter = new EnterMovesOn(this);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(buildSearch());
     layout->addWidget(buildRecord(), 1);
@@ -130,7 +133,7 @@ QLineEdit* frmPatients::field(QString PatientEntry::*member, int maxLength, cons
     auto* edit = new QLineEdit;
     edit->setMaxLength(maxLength);
     edit->setPlaceholderText(hint);
-    edit->installEventFilter(this);
+    m_enter->watch(edit);
     m_bindings.push_back({member, edit});
     return edit;
 }
@@ -144,6 +147,7 @@ QWidget* frmPatients::buildRecord() {
     auto* identity = new QGroupBox(QStringLiteral("Patient"));
     FieldGrid who(identity);
     m_id = field(&PatientEntry::patientId, 10);
+    m_id->removeEventFilter(m_enter);  // Enter there looks the patient up
     m_lName = field(&PatientEntry::lName, 50);
     who.add(QStringLiteral("Patient &ID:"), m_id);
     m_state = new QLabel;
@@ -480,11 +484,6 @@ bool frmPatients::eventFilter(QObject* watched, QEvent* event) {
         const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
         if (enter && watched == m_results) {
             openChosen();
-            return true;
-        }
-        // Enter moves on through the fields, as the desk types a patient in one go.
-        if (enter && watched != m_id && qobject_cast<QLineEdit*>(watched) != nullptr) {
-            focusNextChild();
             return true;
         }
     }

@@ -17,6 +17,10 @@ class QPushButton;
 class QTreeWidget;
 
 namespace brimsett {
+class EnterMovesOn;
+}
+
+namespace brimsett {
 
 // "Patients": finds, shows, adds, changes and deletes patients. A window of its own beside
 // the main menu, so that sibling programs can bring it forward on a patient.
@@ -75,6 +79,7 @@ private:
     std::optional<qint64> m_storedId;  // none while a new patient is on the screen
     PatientEntry m_shown;              // what was put on the screen, to see changes
 
+    EnterMovesOn* m_enter = nullptr;
     std::vector<Binding> m_bindings;
     QComboBox* m_findBy = nullptr;
     QLineEdit* m_findText = nullptr;
