@@ -146,6 +146,7 @@ PatientRegister::SaveResult PatientRegister::saveNew(const PatientEntry& entry) 
     // The id is chosen under the write lock, so a second computer saving at the same moment
     // waits and then sees this patient's id as taken.
     QStringList refusal;
+    QString refusalTitle = kPatientIdTitle;
     QString logText;
     qint64 id = 0;
     {
@@ -165,6 +166,10 @@ PatientRegister::SaveResult PatientRegister::saveNew(const PatientEntry& entry) 
             }
         }
         if (refusal.isEmpty()) {
+            refusal = duplicateUnderLock(entry, std::nullopt);
+            refusalTitle = QLatin1String(PatientValidation::kErrorsTitle);
+        }
+        if (refusal.isEmpty()) {
             SqlStatementBuilder b;
             b.beginInsert(QStringLiteral("patients"));
             b.addField(QStringLiteral("PatientID"), id, Kind::Number);
@@ -176,7 +181,7 @@ PatientRegister::SaveResult PatientRegister::saveNew(const PatientEntry& entry) 
         }
     }
     if (!refusal.isEmpty()) {
-        m_prompter.tell(kPatientIdTitle, refusal, Icon::Warning);
+        m_prompter.tell(refusalTitle, refusal, Icon::Warning);
         return {};
     }
     m_log.write(logText);
@@ -205,6 +210,11 @@ PatientRegister::SaveResult PatientRegister::saveChanges(qint64 id, const Patien
     bool gone = false;
     {
         Transaction t(m_db, QStringLiteral("saving patient %1").arg(id));
+        const QStringList refusal = duplicateUnderLock(entry, id);
+        if (!refusal.isEmpty()) {
+            m_prompter.tell(QLatin1String(PatientValidation::kErrorsTitle), refusal, Icon::Warning);
+            return {};
+        }
         const auto bound = b.boundUpdate(QStringLiteral("PatientID=?"), {id});
         gone = m_db.exec(bound.sql, bound.values, QStringLiteral("writing patient %1").arg(id))
                    .numRowsAffected() == 0;
@@ -219,6 +229,17 @@ PatientRegister::SaveResult PatientRegister::saveChanges(qint64 id, const Patien
     }
     m_log.write(b.finishUpdate(QStringLiteral("PatientID=") + QString::number(id)));
     return {Outcome::Saved, id};
+}
+
+QStringList PatientRegister::duplicateUnderLock(const PatientEntry& entry,
+                                                std::optional<qint64> ownId) {
+    // Checked again under the write lock: another computer may have saved a patient with the
+    // same number since the validation looked.
+    const QStringList problems = m_validation.duplicateProblems(entry, ownId);
+    if (problems.isEmpty()) {
+        return {};
+    }
+    return QStringList{QLatin1String(PatientValidation::kErrorsHeading), QString()} + problems;
 }
 
 bool PatientRegister::deleteAccount(qint64 id) {

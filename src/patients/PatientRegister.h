@@ -70,6 +70,9 @@ public:
     PatientValidation& validation() { return m_validation; }
 
 private:
+    // The error lines of a duplicate health number found inside the save's transaction.
+    QStringList duplicateUnderLock(const PatientEntry& entry, std::optional<qint64> ownId);
+
     Database& m_db;
     const AppSettings& m_settings;
     Prompter& m_prompter;

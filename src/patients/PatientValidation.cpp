@@ -58,13 +58,18 @@ QStringList PatientValidation::healthNumberProblems(const PatientEntry& entry,
                              m_settings.option[kOnlyOntarioSwitch])) {
         problems << quoted(entry.healthNum) + QStringLiteral(" is not a valid health card number.");
     }
-    if (const auto other = duplicateOf(entry.healthNum, entry.province, ownId)) {
-        problems << QStringLiteral("There is already an existing patient (") + *other +
-                        QLatin1Char(')')
-                 << QStringLiteral("with health card number ") + quoted(entry.healthNum) +
-                        QLatin1Char('.');
+    return problems + duplicateProblems(entry, ownId);
+}
+
+QStringList PatientValidation::duplicateProblems(const PatientEntry& entry,
+                                                 std::optional<qint64> ownId) {
+    const auto other = duplicateOf(entry.healthNum, entry.province, ownId);
+    if (!other) {
+        return {};
     }
-    return problems;
+    return {
+        QStringLiteral("There is already an existing patient (") + *other + QLatin1Char(')'),
+        QStringLiteral("with health card number ") + quoted(entry.healthNum) + QLatin1Char('.')};
 }
 
 QStringList PatientValidation::fieldProblems(const PatientEntry& entry) const {

@@ -44,6 +44,8 @@ public:
     // The pieces of check(), each a list of message lines (one problem may take two lines).
     // Steps 1 and 2:
     QStringList healthNumberProblems(const PatientEntry& entry, std::optional<qint64> ownId);
+    // Step 2 alone: the two lines naming the other patient, or none.
+    QStringList duplicateProblems(const PatientEntry& entry, std::optional<qint64> ownId);
     // Step 5, in the order of the fields above:
     QStringList fieldProblems(const PatientEntry& entry) const;
     // The labels of step 6 ("Date of Birth", "Sex", "Refr. Doctor"); empty when switch 22 is off.

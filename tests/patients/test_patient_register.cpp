@@ -221,6 +221,33 @@ private slots:
         }
         QCOMPARE(all, everyIdOnce);
     }
+
+    // Another computer registers the same card while this one waits for an answer: the save
+    // finds it under the write lock and refuses.
+    void sameCardSavedElsewhereMeanwhile() {
+        struct MeanwhileElsewhere : RecordingPrompter {
+            test::PatientTestOffice* office = nullptr;
+            Answer ask(const QString& title, const QStringList& lines, Icon icon, Buttons buttons,
+                       Answer defaultAnswer) override {
+                office->addPatient(50, QStringLiteral("1234567897"), QStringLiteral("ON"),
+                                   QStringLiteral("Other"), QStringLiteral("Desk"));
+                RecordingPrompter::ask(title, lines, icon, buttons, defaultAnswer);
+                return Answer::Yes;
+            }
+        };
+        test::PatientTestOffice o;
+        MeanwhileElsewhere prompter;
+        prompter.office = &o;
+        PatientRegister reg(*o.db, o.settings, prompter, o.clock, o.log);
+        PatientEntry e = test::validPatient();
+        e.patientId = QStringLiteral("7");
+        QCOMPARE(reg.saveNew(e).outcome, PatientRegister::Outcome::Refused);
+        QCOMPARE(prompter.last().title, QStringLiteral("Errors"));
+        QCOMPARE(prompter.last().lines.mid(2),
+                 (QStringList{"There is already an existing patient (Other Desk)",
+                              "with health card number '1234567897'."}));
+        QVERIFY(!reg.exists(7));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestPatientRegister)
