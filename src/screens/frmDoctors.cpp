@@ -2,7 +2,7 @@
 
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
-#include "patients/ProviderChangeQuestion.h"
+#include "foundation/UnsavedChanges.h"
 #include "patients/ProviderCodeLists.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
@@ -279,18 +279,8 @@ void frmDoctors::showFirst() {
 }
 
 bool frmDoctors::leaveShown() {
-    if (!changed()) {
-        return true;
-    }
-    switch (askToSaveChanges(m_prompter, ProviderRegister::kLeaveTitle)) {
-        case LeaveChoice::Save:
-            return saveClicked();
-        case LeaveChoice::Discard:
-            return true;
-        case LeaveChoice::Stay:
-            break;
-    }
-    return false;
+    return mayLeaveChanges(m_prompter, ProviderRegister::kLeaveTitle, changed(),
+                           [this] { return saveClicked(); });
 }
 
 void frmDoctors::reject() {

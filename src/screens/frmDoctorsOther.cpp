@@ -2,7 +2,7 @@
 
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
-#include "patients/ProviderChangeQuestion.h"
+#include "foundation/UnsavedChanges.h"
 #include "patients/ProviderCodeLists.h"
 #include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
@@ -244,18 +244,8 @@ void frmDoctorsOther::deleteClicked() {
 }
 
 bool frmDoctorsOther::leaveShown() {
-    if (!changed()) {
-        return true;
-    }
-    switch (askToSaveChanges(m_prompter, ReferringDoctorRegister::kLeaveTitle)) {
-        case LeaveChoice::Save:
-            return saveClicked();
-        case LeaveChoice::Discard:
-            return true;
-        case LeaveChoice::Stay:
-            break;
-    }
-    return false;
+    return mayLeaveChanges(m_prompter, ReferringDoctorRegister::kLeaveTitle, changed(),
+                           [this] { return saveClicked(); });
 }
 
 void frmDoctorsOther::reject() {

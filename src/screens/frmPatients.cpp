@@ -3,6 +3,7 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
+#include "foundation/UnsavedChanges.h"
 #include "patients/HealthNumbers.h"
 #include "patients/NameCase.h"
 #include "screens/EnterMovesOn.h"
@@ -318,17 +319,8 @@ bool frmPatients::hasChanges() const {
 }
 
 bool frmPatients::mayLeaveCurrent() {
-    if (!hasChanges() || m_settings.option[27]) {
-        return true;
-    }
-    const Answer answer =
-        m_prompter.ask(kTitle, {QStringLiteral("Do you want to save the changes to this patient?")},
-                       Icon::Question, Buttons::YesNoCancel, Answer::Cancel);
-    if (answer == Answer::Cancel) {
-        return false;
-    }
     // A refused save keeps the patient on the screen to be corrected.
-    return answer == Answer::No || save();
+    return mayLeaveChanges(m_prompter, kTitle, hasChanges(), [this] { return save(); });
 }
 
 void frmPatients::idEntered() {

@@ -1,3 +1,4 @@
+#include "CliRun.h"
 #include "TestSupport.h"
 #include "foundation/Schema.h"
 
@@ -21,34 +22,9 @@ private slots:
     void healthNumbers();
 };
 
-namespace {
-
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Result cli(const test::TempOffice& office, const QStringList& args) {
-    QProcess p;
-    p.setProgram(QStringLiteral(BRIMSETT_CLI));
-    p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
-                   args);
-    p.start();
-    p.closeWriteChannel();
-    if (!p.waitForFinished(60000)) {
-        p.kill();
-        return {};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-}  // namespace
-
 void TestCli::initCreatesThenFindsNothingToDo() {
     test::TempOffice office;
-    Result first = cli(office, {"init"});
+    test::CliResult first = test::cli(office, {"init"});
     QCOMPARE(first.status, 0);
     QVERIFY(first.out.startsWith("Created a new database at " + office.file("medical.mdb")));
     auto db = Database::createSqlite(office.file("medical.mdb"));
@@ -57,7 +33,7 @@ void TestCli::initCreatesThenFindsNothingToDo() {
     }
     db->close();
 
-    Result second = cli(office, {"init"});
+    test::CliResult second = test::cli(office, {"init"});
     QCOMPARE(second.status, 0);
     QVERIFY(!second.out.contains("Created"));
     QVERIFY(second.out.contains("The database layout is current"));
@@ -72,21 +48,22 @@ void TestCli::initOnAnOlderDatabaseUpdatesItAndSaysSo() {
         schema::create(*db);
         db->exec("ALTER TABLE Doctors DROP COLUMN SLI");
     }
-    Result r = cli(office, {"init"});
+    test::CliResult r = test::cli(office, {"init"});
     QCOMPARE(r.status, 3);
     QVERIFY(r.err.contains("Brimsett has updated your database to current standards."));
-    QCOMPARE(cli(office, {"init"}).status, 0);
+    QCOMPARE(test::cli(office, {"init"}).status, 0);
 }
 
 void TestCli::sqlPrintsRowsWithTabsAndEmptyNulls() {
     test::TempOffice office;
-    QCOMPARE(cli(office, {"init"}).status, 0);
-    Result insert = cli(office, {"sql",
-                                 "Insert Into speccodes (SpecCode, Description) Values "
-                                 "('00', 'General\tPractice'), ('12', NULL)"});
+    QCOMPARE(test::cli(office, {"init"}).status, 0);
+    test::CliResult insert =
+        test::cli(office, {"sql",
+                           "Insert Into speccodes (SpecCode, Description) Values "
+                           "('00', 'General\tPractice'), ('12', NULL)"});
     QCOMPARE(insert.status, 0);
     QCOMPARE(insert.out, QString("2 row(s) changed\n"));
-    Result query =
+    test::CliResult query =
         cli(office, {"sql", "Select SpecCode, Description From speccodes Order By SpecCode"});
     QCOMPARE(query.status, 0);
     QCOMPARE(query.out, QString("SpecCode\tDescription\n00\tGeneral\\tPractice\n12\t\n"));
@@ -94,7 +71,7 @@ void TestCli::sqlPrintsRowsWithTabsAndEmptyNulls() {
 
 void TestCli::sqlRefusalIsOneLineAndNonZero() {
     test::TempOffice office;
-    Result r = cli(office, {"sql", "Select Name From nowhere"});
+    test::CliResult r = test::cli(office, {"sql", "Select Name From nowhere"});
     QCOMPARE(r.status, 1);
     QVERIFY(r.err.startsWith("brimsett-cli: running the statement: no such table: nowhere"));
     QCOMPARE(r.err.count('\n'), 1);
@@ -102,18 +79,19 @@ void TestCli::sqlRefusalIsOneLineAndNonZero() {
 
 void TestCli::settingsGetAndSet() {
     test::TempOffice office;
-    QCOMPARE(cli(office, {"settings", "get", "Options", "Track0"}).status, 1);
-    QCOMPARE(cli(office, {"settings", "set", "Options", "Track0", "on"}).status, 0);
-    Result r = cli(office, {"settings", "get", "Options", "Track0"});
+    QCOMPARE(test::cli(office, {"settings", "get", "Options", "Track0"}).status, 1);
+    QCOMPARE(test::cli(office, {"settings", "set", "Options", "Track0", "on"}).status, 0);
+    test::CliResult r = test::cli(office, {"settings", "get", "Options", "Track0"});
     QCOMPARE(r.status, 0);
     QCOMPARE(r.out, QString("on\n"));
-    QCOMPARE(cli(office, {"settings", "get", "Options"}).status, 2);
+    QCOMPARE(test::cli(office, {"settings", "get", "Options"}).status, 2);
 }
 
 void TestCli::backupWithoutARunningProgramMakesItsOwnCopy() {
     test::TempOffice office;
-    QCOMPARE(cli(office, {"sql", "Insert Into speccodes (SpecCode) Values ('08')"}).status, 0);
-    Result r = cli(office, {"backup"});
+    QCOMPARE(test::cli(office, {"sql", "Insert Into speccodes (SpecCode) Values ('08')"}).status,
+             0);
+    test::CliResult r = test::cli(office, {"backup"});
     QCOMPARE(r.status, 0);
     const QString file = r.out.trimmed();
     QVERIFY(QFileInfo(file).fileName().startsWith("medical-"));
@@ -123,7 +101,7 @@ void TestCli::backupWithoutARunningProgramMakesItsOwnCopy() {
 
 void TestCli::sendWithoutARunningProgramFails() {
     test::TempOffice office;
-    Result r = cli(office, {"send", "PATIENT", "12"});
+    test::CliResult r = test::cli(office, {"send", "PATIENT", "12"});
     QCOMPARE(r.status, 1);
     QVERIFY(r.err.startsWith("brimsett-cli: "));
     QVERIFY(r.out.isEmpty());
@@ -147,7 +125,7 @@ void TestCli::healthNumbers() {
     QFETCH(int, status);
     QFETCH(QString, out);
     test::TempOffice office;
-    const Result r = cli(office, args);
+    const test::CliResult r = test::cli(office, args);
     QCOMPARE(r.status, status);
     QCOMPARE(r.out, out);
 }

@@ -1,3 +1,4 @@
+#include "CliRun.h"
 #include "TestSupport.h"
 
 #include <QProcess>
@@ -5,45 +6,20 @@
 
 using namespace brimsett;
 
-namespace {
-
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Result cli(const test::TempOffice& office, const QStringList& args) {
-    QProcess p;
-    p.setProgram(QStringLiteral(BRIMSETT_CLI));
-    p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
-                   args);
-    p.start();
-    p.closeWriteChannel();
-    if (!p.waitForFinished(60000)) {
-        p.kill();
-        return {};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-}  // namespace
-
 class TestCliPatient : public QObject {
     Q_OBJECT
 
 private slots:
     void showPrintsFieldsOrSaysWhyNot() {
         test::TempOffice office;
-        QCOMPARE(cli(office, {"init"}).status, 0);
-        QCOMPARE(cli(office, {"sql",
-                              "Insert Into patients (PatientID, LName, FName, DOB, Flag)"
-                              " Values(7, 'O''Brien', 'Mary', '1980-05-17', 1)"})
+        QCOMPARE(test::cli(office, {"init"}).status, 0);
+        QCOMPARE(test::cli(office, {"sql",
+                                    "Insert Into patients (PatientID, LName, FName, DOB, Flag)"
+                                    " Values(7, 'O''Brien', 'Mary', '1980-05-17', 1)"})
                      .status,
                  0);
 
-        const Result shown = cli(office, {"patient", "show", "7"});
+        const test::CliResult shown = test::cli(office, {"patient", "show", "7"});
         QCOMPARE(shown.status, 0);
         const QStringList lines = shown.out.split('\n');
         for (const char* line : {"Patient ID: 7", "Last Name: O'Brien", "First Name: Mary",
@@ -51,11 +27,11 @@ private slots:
             QVERIFY2(lines.contains(QString::fromUtf8(line)), line);
         }
 
-        const Result missing = cli(office, {"patient", "show", "8"});
+        const test::CliResult missing = test::cli(office, {"patient", "show", "8"});
         QCOMPARE(missing.status, 1);
         QVERIFY(missing.err.contains("No such patient"));
 
-        const Result notANumber = cli(office, {"patient", "show", "7x"});
+        const test::CliResult notANumber = test::cli(office, {"patient", "show", "7x"});
         QCOMPARE(notANumber.status, 2);
         QVERIFY(notANumber.err.contains("Invalid number."));
     }

@@ -1,18 +1,22 @@
-#include "patients/ProviderChangeQuestion.h"
+#include "foundation/UnsavedChanges.h"
 
 #include "foundation/Prompter.h"
 
 namespace brimsett {
 
-LeaveChoice askToSaveChanges(Prompter& prompter, const QString& title) {
+bool mayLeaveChanges(Prompter& prompter, const QString& title, bool changed,
+                     const std::function<bool()>& save) {
+    if (!changed) {
+        return true;
+    }
     switch (prompter.ask(title, {QStringLiteral("Save changes?")}, Icon::Question,
                          Buttons::YesNoCancel, Answer::Cancel)) {
         case Answer::Yes:
-            return LeaveChoice::Save;
+            return save();
         case Answer::No:
-            return LeaveChoice::Discard;
+            return true;
         default:
-            return LeaveChoice::Stay;
+            return false;
     }
 }
 

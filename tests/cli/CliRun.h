@@ -1,0 +1,32 @@
+#pragma once
+
+#include "TestSupport.h"
+
+#include <QProcess>
+
+namespace brimsett::test {
+
+// What brimsett-cli did when run on an office.
+struct CliResult {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+// Runs brimsett-cli on the office's folder and settings, with nothing on standard input.
+inline CliResult cli(const TempOffice& office, const QStringList& args) {
+    QProcess p;
+    p.setProgram(QStringLiteral(BRIMSETT_CLI));
+    p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
+                   args);
+    p.start();
+    p.closeWriteChannel();
+    if (!p.waitForFinished(60000)) {
+        p.kill();
+        return {};
+    }
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+}  // namespace brimsett::test
