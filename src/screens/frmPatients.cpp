@@ -6,6 +6,8 @@
 #include "foundation/UnsavedChanges.h"
 #include "patients/HealthNumbers.h"
 #include "patients/NameCase.h"
+#include "patients/ReferringDoctorRegister.h"
+#include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
 
 #include <QCheckBox>
@@ -18,6 +20,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTreeWidget>
@@ -67,6 +70,7 @@ frmPatients::frmPatients(Database& db, const AppSettings& settings, Prompter& pr
       m_db(db),
       m_settings(settings),
       m_prompter(prompter),
+      m_log(log),
       m_register(db, settings, prompter, clock, log),
       m_search(db, settings) {
     setWindowTitle(kTitle);
@@ -190,8 +194,22 @@ QWidget* frmPatients::buildRecord() {
 
     auto* doctors = new QGroupBox(QStringLiteral("Doctors and Hospital"));
     FieldGrid care(doctors);
-    care.add(QStringLiteral("&Referring Dr.:"), field(&PatientEntry::refDoc, 6));
-    care.add(QStringLiteral("Fa&mily Dr.:"), field(&PatientEntry::famDoc, 6));
+    // The doctor's name shows under the number; with switch 24 a name typed into the field
+    // and Enter looks the number up.
+    for (auto [member, label] :
+         {std::pair{&PatientEntry::refDoc, QStringLiteral("&Referring Dr.:")},
+          std::pair{&PatientEntry::famDoc, QStringLiteral("Fa&mily Dr.:")}}) {
+        QLineEdit* number = field(member, 6);
+        number->installEventFilter(this);
+        auto* name = new QLabel;
+        m_doctorNames.insert(number, name);
+        connect(number, &QLineEdit::textChanged, this, [this, number] { showDoctorName(number); });
+        care.add(label, number);
+    }
+    care.next();
+    for (QLabel* name : m_doctorNames) {
+        care.add(QString(), name);
+    }
     care.add(QStringLiteral("Facili&ty:"), field(&PatientEntry::facilityNum, 4));
     care.add(QStringLiteral("A&dmit Date:"), field(&PatientEntry::admitDate, 10, dateHint));
     care.add(QStringLiteral("No&tes:"), field(&PatientEntry::notes, 200), 2);
@@ -470,6 +488,44 @@ void frmPatients::provinceChanged() {
     m_provinceName->setText(name);
 }
 
+void frmPatients::showDoctorName(QLineEdit* number) {
+    const QString typed = number->text().trimmed();
+    std::optional<ReferringDoctor> doctor;
+    if (typed.size() == 6 && hn::allDigits(typed)) {
+        doctor = ReferringDoctorRegister(m_db, m_prompter, m_log).load(typed);
+    }
+    m_doctorNames.value(number)->setText(
+        doctor ? doctor->displayName()
+               : (typed.size() == 6 ? QStringLiteral("(not in Referring Doctors)") : QString()));
+}
+
+bool frmPatients::pickDoctor(QLineEdit* number) {
+    const QString typed = number->text().trimmed();
+    if (!m_settings.option[24] || typed.isEmpty() || typed.front().isDigit()) {
+        return false;
+    }
+    const ReferringDoctorMatches found = ReferringDoctorSearch(m_db, m_settings).find(typed);
+    if (found.rows.size() == 1) {
+        number->setText(found.rows.first().providerNum);
+        return false;  // and on to the next field
+    }
+    if (found.rows.isEmpty()) {
+        m_doctorNames.value(number)->setText(QStringLiteral("No referring doctor found."));
+        return true;
+    }
+    QMenu choices(this);
+    for (const ReferringDoctor& doctor : found.rows) {
+        QAction* choice =
+            choices.addAction(doctor.providerNum + QStringLiteral("  ") + doctor.displayName() +
+                              QStringLiteral("  ") + doctor.city);
+        choice->setData(doctor.providerNum);
+    }
+    if (QAction* chosen = choices.exec(number->mapToGlobal(QPoint(0, number->height())))) {
+        number->setText(chosen->data().toString());
+    }
+    return true;
+}
+
 bool frmPatients::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
@@ -477,6 +533,10 @@ bool frmPatients::eventFilter(QObject* watched, QEvent* event) {
         if (enter && watched == m_results) {
             openChosen();
             return true;
+        }
+        auto* number = qobject_cast<QLineEdit*>(watched);
+        if (enter && m_doctorNames.contains(number)) {
+            return pickDoctor(number);
         }
     }
     return QWidget::eventFilter(watched, event);

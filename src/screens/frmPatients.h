@@ -4,6 +4,7 @@
 #include "patients/PatientRegister.h"
 #include "patients/PatientSearch.h"
 
+#include <QHash>
 #include <QWidget>
 
 #include <optional>
@@ -69,10 +70,14 @@ private:
     void healthNumberLeft();
     void provinceChanged();
     void applySwitches();
+    void showDoctorName(QLineEdit* number);
+    // A name typed where a doctor's number goes is looked up; true when the key was used.
+    bool pickDoctor(QLineEdit* number);
 
     Database& m_db;
     const AppSettings& m_settings;
     Prompter& m_prompter;
+    const SqlLog& m_log;
     PatientRegister m_register;
     PatientSearch m_search;
 
@@ -94,6 +99,7 @@ private:
     QLabel* m_state = nullptr;
     QPushButton* m_delete = nullptr;
     QList<QLineEdit*> m_cardFields;
+    QHash<QLineEdit*, QLabel*> m_doctorNames;  // referring and family doctor fields
 };
 
 }  // namespace brimsett

@@ -32,8 +32,12 @@ struct Desk {
         settings.option[8] = true;
         db->exec(QStringLiteral(
             "Insert Into Patients (PatientID, HealthNum, VersionCode, FName, LName, DOB, Sex,"
-            " Province, HPhone, City) Values (7, '9876543217', 'AB', 'Mary', 'O''Brien',"
-            " '1961-04-02', 'F', 'ON', '(416) 555-1234', 'Kingston')"));
+            " Province, HPhone, City, RefDoc) Values (7, '9876543217', 'AB', 'Mary', 'O''Brien',"
+            " '1961-04-02', 'F', 'ON', '(416) 555-1234', 'Kingston', '550001')"));
+        db->exec(
+            QStringLiteral("Insert Into DoctorsOther (ProviderNum, LName, FName, City) Values"
+                           " ('550001', 'Smith', 'John', 'Toronto'),"
+                           " ('550002', 'Smyth', 'Anna', 'Ottawa')"));
         window = std::make_unique<frmPatients>(*db, settings, prompter, clock, log);
         window->show();
     }
@@ -98,6 +102,21 @@ private slots:
         QTest::keyClick(id, Qt::Key_Return);
         QCOMPARE(desk.window->findChild<QTreeWidget*>()->topLevelItemCount(), 1);
         QVERIFY(id->text().isEmpty());
+    }
+
+    // With switch 24 a name typed for the referring doctor becomes the doctor's number.
+    void referringDoctorByName() {
+        Desk desk;
+        desk.settings.option[24] = true;
+        QLineEdit* refDoc = desk.edit("&Referring Dr.:");
+        refDoc->setText(QStringLiteral("smy"));
+        QTest::keyClick(refDoc, Qt::Key_Return);
+        QCOMPARE(refDoc->text(), QStringLiteral("550002"));
+        bool named = false;
+        for (auto* label : desk.window->findChildren<QLabel*>()) {
+            named = named || label->text().contains(QStringLiteral("Smyth"));
+        }
+        QVERIFY(named);
     }
 };
 
