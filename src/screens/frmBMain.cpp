@@ -311,6 +311,14 @@ void frmBMain::setStatusText(const QString& text) {
 }
 
 void frmBMain::closeEvent(QCloseEvent* event) {
+    // The record windows beside the menu close first, each asking about unsaved changes; one
+    // that stays open keeps the program running.
+    for (QWidget* window : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (window->isWindow() && window->isVisible() && !window->close()) {
+            event->ignore();
+            return;
+        }
+    }
     if (!m_shutDown) {
         m_shutDown = true;
         emit shuttingDown();

@@ -1,10 +1,13 @@
 #include "TestSupport.h"
 
+#include "foundation/ActionRegistry.h"
 #include "foundation/AppSettings.h"
 #include "foundation/Clock.h"
+#include "foundation/MenuModel.h"
 #include "foundation/RecordingPrompter.h"
 #include "foundation/Schema.h"
 #include "foundation/SqlLog.h"
+#include "screens/frmBMain.h"
 #include "screens/frmPatients.h"
 
 #include <QCheckBox>
@@ -117,6 +120,33 @@ private slots:
             named = named || label->text().contains(QStringLiteral("Smyth"));
         }
         QVERIFY(named);
+    }
+
+    // Closing the main menu closes the patient window first; Cancel on its unsaved changes
+    // keeps both open.
+    void menuClosingAsksAboutUnsavedChanges() {
+        Desk desk;
+        ActionRegistry registry;
+        frmBMain menu(defaultMenu(), desk.settings, registry, desk.prompter);
+        menu.show();
+        auto* window =
+            new frmPatients(*desk.db, desk.settings, desk.prompter, desk.clock, desk.log, &menu);
+        window->show();
+        QVERIFY(window->showPatient(7));
+        for (auto* caption : window->findChildren<QLabel*>()) {
+            if (caption->text() == QLatin1String("&City:")) {
+                qobject_cast<QLineEdit*>(caption->buddy())->setText(QStringLiteral("Ottawa"));
+            }
+        }
+        desk.prompter.script({Answer::Cancel});
+        QVERIFY(!menu.close());
+        QVERIFY(window->isVisible());
+        desk.prompter.script({Answer::No});
+        QVERIFY(menu.close());
+        QVERIFY(!window->isVisible());
+        QCOMPARE(desk.prompter.messages().size(), 2);
+        QCOMPARE(desk.db->scalar("Select City From Patients Where PatientID=7").toString(),
+                 QStringLiteral("Kingston"));
     }
 };
 
