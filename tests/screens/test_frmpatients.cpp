@@ -7,6 +7,7 @@
 #include "foundation/RecordingPrompter.h"
 #include "foundation/Schema.h"
 #include "foundation/SqlLog.h"
+#include "screens/PatientScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmPatients.h"
 
@@ -147,6 +148,33 @@ private slots:
         QCOMPARE(desk.prompter.messages().size(), 2);
         QCOMPARE(desk.db->scalar("Select City From Patients Where PatientID=7").toString(),
                  QStringLiteral("Kingston"));
+    }
+
+    void receiverWords_data() {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<QString>("shown");  // the window's title, or "" for no window
+        test::row("patient", "PATIENT 7", "OK", "Patients - O'Brien, Mary");
+        test::row("no such patient", "PATIENT 8", "NOT FOUND", "");
+        test::row("not a number", "PATIENT x", "NOT FOUND", "");
+        test::row("from the book", "PATIENTFROMAPP 7", "OK", "Patients - O'Brien, Mary");
+        test::row("new from the book", "PATIENTFROMAPP 0", "OK", "Patients - New Patient");
+        test::row("describe", "VPAT 7", "7|O'Brien|Mary|9876543217|AB|1961/04/02|F", "");
+        test::row("describe nobody", "VPAT 8", "NOT FOUND", "");
+    }
+    void receiverWords() {
+        QFETCH(QString, line);
+        QFETCH(QString, shown);
+        Desk desk;
+        QWidget owner;
+        ActionRegistry registry;
+        PatientScreens screens(*desk.db, desk.settings, desk.prompter, desk.clock, desk.log,
+                               &owner);
+        screens.registerIn(registry);
+        QTEST(registry.runCommand(line).value_or("UNKNOWN"), "answer");
+        auto* window = owner.findChild<frmPatients*>();
+        QCOMPARE(window != nullptr && window->isVisible() ? window->windowTitle() : QString(),
+                 shown);
     }
 };
 
