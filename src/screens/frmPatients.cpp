@@ -393,7 +393,8 @@ void frmPatients::find() {
             break;
         }
         case ByHealthNumber:
-            matches = m_search.byHealthNumber(typed);
+            matches = m_search.byHealthNumber(
+                QString(typed).remove(QLatin1Char(' ')).remove(QLatin1Char('-')));
             break;
         case ByPhone:
             matches = m_search.byPhone(typed);
