@@ -8,12 +8,12 @@ namespace brimsett {
 int commandHn(CliSession& session, const QStringList& args) {
     if (args.size() == 3 && args[0] == QLatin1String("check")) {
         const bool valid =
-            hn::checkByProvince(args[2].trimmed(), args[1].trimmed().toUpper(), false);
+            hn::checkByProvince(hn::fromTyped(args[2]), args[1].trimmed().toUpper(), false);
         session.out() << (valid ? "valid" : "not valid") << "\n";
         return valid ? 0 : 1;
     }
     if (args.size() == 2 && args[0] == QLatin1String("guess")) {
-        session.out() << hn::guessProvince(args[1].trimmed()) << "\n";
+        session.out() << hn::guessProvince(hn::fromTyped(args[1])) << "\n";
         return 0;
     }
     return fail(QStringLiteral("usage: hn check PROVINCE NUMBER | hn guess NUMBER"), 2);

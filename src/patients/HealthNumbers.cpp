@@ -65,6 +65,12 @@ bool alternatingCheck(const QString& number, int length, int oddWeight, int even
 
 }  // namespace
 
+QString fromTyped(const QString& typed) {
+    QString number = typed.toUpper();
+    number.remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
+    return number;
+}
+
 bool allDigits(const QString& text) {
     return every(text, isAsciiDigit);
 }

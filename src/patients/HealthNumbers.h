@@ -12,6 +12,10 @@ class Prompter;
 // Every check answers "not valid" for anything it cannot read; none of them throws.
 namespace hn {
 
+// A number as typed from the card, which prints it in groups: blanks and dashes dropped,
+// letters in capitals.
+QString fromTyped(const QString& typed);
+
 // Character classes; the empty text is never valid.
 bool allDigits(const QString& text);
 bool allLetters(const QString& text);  // A-Z and a-z only

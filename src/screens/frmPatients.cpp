@@ -278,8 +278,7 @@ PatientEntry frmPatients::entryOnScreen() const {
             entry.*b.member = b.edit->text().trimmed();
         }
     }
-    // Cards print the number in groups; the number itself has no blanks or dashes.
-    entry.healthNum.remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
+    entry.healthNum = hn::fromTyped(entry.healthNum);
     entry.province = entry.province.toUpper();
     entry.sex = entry.sex.toUpper();
     entry.versionCode = entry.versionCode.toUpper();
@@ -393,8 +392,7 @@ void frmPatients::find() {
             break;
         }
         case ByHealthNumber:
-            matches = m_search.byHealthNumber(
-                QString(typed).remove(QLatin1Char(' ')).remove(QLatin1Char('-')));
+            matches = m_search.byHealthNumber(hn::fromTyped(typed));
             break;
         case ByPhone:
             matches = m_search.byPhone(typed);
