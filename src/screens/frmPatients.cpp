@@ -328,10 +328,8 @@ void frmPatients::startNew(const PatientEntry& prefill) {
 
 bool frmPatients::hasChanges() const {
     PatientEntry onScreen = entryOnScreen();
-    // A stored patient keeps its id, so a number typed over it is a look-up, not a change.
-    if (m_storedId) {
-        onScreen.patientId = m_shown.patientId;
-    }
+    // A number in the id field alone is a look-up, not a patient worth saving.
+    onScreen.patientId = m_shown.patientId;
     return !(onScreen == m_shown);
 }
 
@@ -365,12 +363,13 @@ void frmPatients::idEntered() {
         return;
     }
     if (!m_register.exists(*id)) {
+        m_prompter.tell(kTitle, {QString::fromLatin1(kNoSuchPatient)}, Icon::Information);
         if (m_storedId) {
-            m_prompter.tell(kTitle, {QString::fromLatin1(kNoSuchPatient)}, Icon::Information);
             m_id->setText(QString::number(*m_storedId));
             m_id->selectAll();
         } else {
-            // The id a new patient is to get; the save asks whether to keep it.
+            // The number stays: typing the patient in now gives it as the new patient's id,
+            // which the save offers to use.
             m_lName->setFocus();
         }
         return;

@@ -97,6 +97,28 @@ private slots:
         QVERIFY(desk.prompter.messages().isEmpty());
     }
 
+    void idFieldLooksUp_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("idAfter");
+        test::row("stored patient", "7", "", "Patients - O'Brien, Mary", "7");
+        test::row("no such patient", "8", "No such patient", "Patients - New Patient", "8");
+        test::row("not a number", "7x", "Invalid number.", "Patients - New Patient", "7x");
+    }
+    void idFieldLooksUp() {
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        Desk desk;
+        QLineEdit* id = desk.edit("Patient &ID:");
+        id->setText(typed);
+        QTest::keyClick(id, Qt::Key_Return);
+        QCOMPARE(desk.prompter.messages().isEmpty() ? QString() : desk.prompter.last().text(),
+                 message);
+        QTEST(desk.window->windowTitle(), "title");
+        QTEST(id->text(), "idAfter");
+    }
+
     // Letters typed in the id field become a name search (switch 6).
     void lettersInIdSearchByName() {
         Desk desk;
