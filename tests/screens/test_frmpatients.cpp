@@ -119,6 +119,36 @@ private slots:
         QTEST(id->text(), "idAfter");
     }
 
+    // A new patient typed in as the desk would: names get their capitals, the number loses
+    // its blanks, and the saved patient stays on the screen under the next id.
+    void newPatientTypedAndSaved() {
+        Desk desk;
+        QApplication::setActiveWindow(desk.window.get());
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        const QList<std::pair<QString, QString>> typing = {{"&Last Name:", "MACDONALD-SMITH"},
+                                                           {"&First Name:", "ann"},
+                                                           {"&Health Number:", "1234 567 897"},
+                                                           {"&Birth Date:", "1990/02/03"},
+                                                           {"&Sex:", "f"}};
+        for (const auto& [label, text] : typing) {
+            QLineEdit* edit = desk.edit(label);
+            edit->setFocus();
+            QTest::keyClicks(edit, text);
+            QTest::keyClick(edit, Qt::Key_Return);
+        }
+        for (auto* button : desk.window->findChildren<QPushButton*>()) {
+            if (button->text() == QLatin1String("&Save")) {
+                button->click();
+            }
+        }
+        QCOMPARE(desk.prompter.messages().size(), 0);
+        QCOMPARE(test::rowsOf(desk.db->exec(
+                     "Select PatientID, LName, FName, HealthNum, Sex From Patients Where "
+                     "PatientID<>7")),
+                 QStringList{"8|Macdonald-Smith|Ann|1234567897|F"});
+        QCOMPARE(desk.window->windowTitle(), QStringLiteral("Patients - Macdonald-Smith, Ann"));
+    }
+
     // Letters typed in the id field become a name search (switch 6).
     void lettersInIdSearchByName() {
         Desk desk;
