@@ -75,8 +75,11 @@ QList<ProviderChecks::Problem> ProviderChecks::problems(const Provider& p,
     if (!emptyOrDigits(p.locationCode, 4)) {
         add(Field::LocationCode, QStringLiteral("Location code must be empty or 4 digits."));
     }
-    if (!emptyOrDigits(p.facilityNum, 4)) {
-        add(Field::FacilityNum, QStringLiteral("Facility number must be empty or 4 digits."));
+    // Facility numbers follow the patient's rule: four letters or digits.
+    if (!p.facilityNum.isEmpty() &&
+        (p.facilityNum.size() != 4 || !hn::allLettersOrDigits(p.facilityNum))) {
+        add(Field::FacilityNum,
+            QStringLiteral("Facility number must be empty or 4 letters or digits."));
     }
     if (!p.sli.isEmpty() && (p.sli.size() > 4 || !hn::allLettersOrDigits(p.sli))) {
         add(Field::SLI, QStringLiteral("SLI must be empty or at most 4 letters or digits."));

@@ -110,9 +110,9 @@ private slots:
             QStringList{"Ministry office Z is not in the list of ministry offices."});
         row("office a digit", "MOHOffice=1", false,
             QStringList{"Ministry office must be one letter."});
-        row("location and facility of 3", "LocationCode=123;FacilityNum=12a4", false,
+        row("location and facility of 3", "LocationCode=123;FacilityNum=12-4", false,
             QStringList{"Location code must be empty or 4 digits.",
-                        "Facility number must be empty or 4 digits."});
+                        "Facility number must be empty or 4 letters or digits."});
         row("SLI too long", "SLI=HOSPX", false,
             QStringList{"SLI must be empty or at most 4 letters or digits."});
         row("long first name and modifier", ("Modifier=ABCD;FName=" + longName).toUtf8().data(),
