@@ -58,9 +58,10 @@ private:
     AccessLevels m_access;
     ActionRegistry m_registry;
     Startup::Result m_session;
+    // Before the main window, whose screens hold it, so that it outlives them.
+    SqlLog m_sqlLog;
     std::unique_ptr<frmBMain> m_main;
     std::unique_ptr<CommandReceiver> m_receiver;
-    SqlLog m_sqlLog;
     std::unique_ptr<PatientScreens> m_patients;
     int m_exitCode = 0;
     bool m_shutDown = false;
