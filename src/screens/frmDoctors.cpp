@@ -6,14 +6,15 @@
 #include "patients/ProviderCodeLists.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
+#include "screens/RecordList.h"
 
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -24,8 +25,6 @@ namespace {
 
 using Field = Provider::Field;
 
-constexpr int kIdRole = Qt::UserRole;
-
 }  // namespace
 
 frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, Prompter& prompter,
@@ -35,15 +34,9 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
     m_enter = new EnterMovesOn(this);
 
     // Created in the order Tab should follow: list, fields, buttons.
-    m_list = new QTreeWidget(this);
-    m_list->setColumnCount(3);
-    m_list->setHeaderLabels(
-        {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Billing No.")});
-    m_list->setRootIsDecorated(false);
-    m_list->setUniformRowHeights(true);
+    m_list = recordlist::make(
+        this, {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Billing No.")}, 1);
     m_list->setMinimumWidth(320);
-    m_list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_list->header()->setStretchLastSection(false);
     m_enter->watch(m_list);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &frmDoctors::listRowChanged);
 
@@ -80,13 +73,7 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
 }
 
 QLineEdit* frmDoctors::lineFor(Field field, int widthInChars) {
-    auto* line = new QLineEdit(this);
-    line->setMaxLength(Provider::column(field).maxLength);
-    if (widthInChars > 0) {
-        const QFontMetrics metrics(line->font());
-        line->setMaximumWidth(
-            metrics.horizontalAdvance(QString(widthInChars + 2, QLatin1Char('W'))));
-    }
+    QLineEdit* line = recordlist::sizedLine(this, Provider::column(field).maxLength, widthInChars);
     m_lines.insert(field, line);
     m_enter->watch(line);
     return line;
@@ -172,35 +159,26 @@ void frmDoctors::reloadList() {
     } catch (const DbError& e) {
         fail(QStringLiteral("The providers could not be read."), e);
     }
-    m_moving = true;
+    const QSignalBlocker quiet(m_list);
     m_list->clear();
     for (const Provider& p : std::as_const(providers)) {
         auto* item = new QTreeWidgetItem(m_list, {p.doctorId, p.displayName(), p.providerNum});
-        item->setData(0, kIdRole, p.doctorId);
+        item->setData(0, recordlist::kKeyRole, p.doctorId);
     }
     m_list->resizeColumnToContents(0);
     m_list->resizeColumnToContents(2);
-    m_moving = false;
 }
 
 void frmDoctors::selectInList(const QString& doctorId) {
-    m_moving = true;
-    m_list->setCurrentItem(nullptr);
-    for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
-        QTreeWidgetItem* item = m_list->topLevelItem(i);
-        if (item->data(0, kIdRole).toString() == doctorId) {
-            m_list->setCurrentItem(item);
-        }
-    }
-    m_moving = false;
+    recordlist::select(m_list, doctorId);
 }
 
 void frmDoctors::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*) {
-    if (m_moving || current == nullptr) {
+    if (current == nullptr) {
         return;
     }
     // Saving may rebuild the list, which must not happen inside the list's own signal.
-    const QString target = current->data(0, kIdRole).toString();
+    const QString target = current->data(0, recordlist::kKeyRole).toString();
     QTimer::singleShot(0, this, [this, target] {
         if (target != m_savedId && !showProvider(target)) {
             selectInList(m_savedId);
@@ -269,7 +247,8 @@ void frmDoctors::showFirst() {
     std::optional<Provider> first;
     if (m_list->topLevelItemCount() > 0) {
         try {
-            first = m_register.load(m_list->topLevelItem(0)->data(0, kIdRole).toString());
+            first =
+                m_register.load(m_list->topLevelItem(0)->data(0, recordlist::kKeyRole).toString());
         } catch (const DbError& e) {
             fail(QStringLiteral("The provider could not be read."), e);
         }

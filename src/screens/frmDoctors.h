@@ -71,7 +71,6 @@ private:
     QPushButton* m_delete = nullptr;
     Provider m_shown;   // as stored (or blank for a new provider)
     QString m_savedId;  // empty for a new provider
-    bool m_moving = false;
 };
 
 }  // namespace brimsett

@@ -7,14 +7,15 @@
 #include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
+#include "screens/RecordList.h"
 
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -24,8 +25,6 @@ namespace brimsett {
 namespace {
 
 using Field = ReferringDoctor::Field;
-
-constexpr int kNumberRole = Qt::UserRole;
 
 }  // namespace
 
@@ -46,15 +45,9 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
     m_enter->watch(m_find);
     connect(m_find, &QLineEdit::textChanged, this, &frmDoctorsOther::search);
 
-    m_list = new QTreeWidget(this);
-    m_list->setColumnCount(3);
-    m_list->setHeaderLabels(
-        {QStringLiteral("Billing No."), QStringLiteral("Name"), QStringLiteral("City")});
-    m_list->setRootIsDecorated(false);
-    m_list->setUniformRowHeights(true);
+    m_list = recordlist::make(
+        this, {QStringLiteral("Billing No."), QStringLiteral("Name"), QStringLiteral("City")}, 1);
     m_list->setMinimumWidth(340);
-    m_list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_list->header()->setStretchLastSection(false);
     m_enter->watch(m_list);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &frmDoctorsOther::listRowChanged);
     m_more = new QLabel(QStringLiteral("More doctors match: type more of the name."), this);
@@ -100,13 +93,8 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
 }
 
 QLineEdit* frmDoctorsOther::lineFor(Field field, int widthInChars) {
-    auto* line = new QLineEdit(this);
-    line->setMaxLength(ReferringDoctor::column(field).maxLength);
-    if (widthInChars > 0) {
-        const QFontMetrics metrics(line->font());
-        line->setMaximumWidth(
-            metrics.horizontalAdvance(QString(widthInChars + 2, QLatin1Char('W'))));
-    }
+    QLineEdit* line =
+        recordlist::sizedLine(this, ReferringDoctor::column(field).maxLength, widthInChars);
     m_lines.insert(field, line);
     m_enter->watch(line);
     return line;
@@ -150,36 +138,29 @@ void frmDoctorsOther::search() {
     } catch (const DbError& e) {
         fail(QStringLiteral("The referring doctors could not be searched."), e);
     }
-    m_moving = true;
-    m_list->clear();
-    for (const ReferringDoctor& d : std::as_const(matches.rows)) {
-        auto* item = new QTreeWidgetItem(m_list, {d.providerNum, d.displayName(), d.city});
-        item->setData(0, kNumberRole, d.providerNum);
+    {
+        const QSignalBlocker quiet(m_list);
+        m_list->clear();
+        for (const ReferringDoctor& d : std::as_const(matches.rows)) {
+            auto* item = new QTreeWidgetItem(m_list, {d.providerNum, d.displayName(), d.city});
+            item->setData(0, recordlist::kKeyRole, d.providerNum);
+        }
     }
     m_list->resizeColumnToContents(0);
     m_more->setVisible(matches.more);
-    m_moving = false;
     selectInList(m_savedNum);
 }
 
 void frmDoctorsOther::selectInList(const QString& providerNum) {
-    m_moving = true;
-    m_list->setCurrentItem(nullptr);
-    for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
-        QTreeWidgetItem* item = m_list->topLevelItem(i);
-        if (!providerNum.isEmpty() && item->data(0, kNumberRole).toString() == providerNum) {
-            m_list->setCurrentItem(item);
-        }
-    }
-    m_moving = false;
+    recordlist::select(m_list, providerNum);
 }
 
 void frmDoctorsOther::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*) {
-    if (m_moving || current == nullptr) {
+    if (current == nullptr) {
         return;
     }
     // Saving may rebuild the list, which must not happen inside the list's own signal.
-    const QString target = current->data(0, kNumberRole).toString();
+    const QString target = current->data(0, recordlist::kKeyRole).toString();
     QTimer::singleShot(0, this, [this, target] {
         if (target != m_savedNum && !showNumber(target)) {
             selectInList(m_savedNum);

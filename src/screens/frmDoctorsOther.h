@@ -66,7 +66,6 @@ private:
     QComboBox* m_specialty = nullptr;
     ReferringDoctor m_shown;  // as stored (or as started for a new doctor)
     QString m_savedNum;       // empty for a new doctor
-    bool m_moving = false;
 };
 
 }  // namespace brimsett

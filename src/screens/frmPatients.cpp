@@ -9,6 +9,7 @@
 #include "patients/ReferringDoctorRegister.h"
 #include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
+#include "screens/RecordList.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -16,7 +17,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -107,15 +107,12 @@ QWidget* frmPatients::buildSearch() {
     connect(findButton, &QPushButton::clicked, this, &frmPatients::find);
     connect(m_findText, &QLineEdit::returnPressed, this, &frmPatients::find);
 
-    m_results = new QTreeWidget;
-    m_results->setHeaderLabels({QStringLiteral("ID"), QStringLiteral("Name"),
-                                QStringLiteral("Health Number"), QStringLiteral("Birth Date"),
-                                QStringLiteral("Phone")});
-    m_results->setRootIsDecorated(false);
-    m_results->setAllColumnsShowFocus(true);
+    m_results = recordlist::make(
+        box,
+        {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Health Number"),
+         QStringLiteral("Birth Date"), QStringLiteral("Phone")},
+        1);
     m_results->setMinimumHeight(110);
-    m_results->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_results->header()->setStretchLastSection(false);
     m_results->installEventFilter(this);
     connect(m_results, &QTreeWidget::itemActivated, this, &frmPatients::openChosen);
     m_resultNote = new QLabel;
@@ -410,7 +407,7 @@ void frmPatients::find() {
     for (const PatientMatch& match : matches.rows) {
         auto* item = new QTreeWidgetItem(m_results, {QString::number(match.id), match.name,
                                                      match.healthNumber, match.dob, match.phone});
-        item->setData(0, Qt::UserRole, match.id);
+        item->setData(0, recordlist::kKeyRole, match.id);
     }
     for (int column = 0; column < m_results->columnCount(); ++column) {
         if (column != 1) {
@@ -433,7 +430,7 @@ void frmPatients::openChosen() {
     if (item == nullptr || !mayLeaveCurrent()) {
         return;
     }
-    if (!showPatient(item->data(0, Qt::UserRole).toLongLong())) {
+    if (!showPatient(item->data(0, recordlist::kKeyRole).toLongLong())) {
         m_prompter.tell(kTitle, {QString::fromLatin1(kNoSuchPatient)}, Icon::Information);
     }
 }

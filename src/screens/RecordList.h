@@ -1,0 +1,28 @@
+#pragma once
+
+#include <qnamespace.h>
+#include <QString>
+#include <QStringList>
+
+class QLineEdit;
+class QTreeWidget;
+class QWidget;
+
+namespace brimsett::recordlist {
+
+// Where each row of a record list keeps its record's key.
+inline constexpr int kKeyRole = Qt::UserRole;
+
+// The list of records beside a record screen's fields: one row per record, whole rows
+// selected, the given column taking the spare width.
+QTreeWidget* make(QWidget* parent, const QStringList& headers, int stretchColumn);
+
+// Makes the row whose key is given the current one (none when no row has it), without
+// signalling a change: the screen already shows that record.
+void select(QTreeWidget* list, const QString& key);
+
+// A field of at most maxLength characters, widthInChars wide (0: as wide as the layout
+// makes it).
+QLineEdit* sizedLine(QWidget* parent, int maxLength, int widthInChars);
+
+}  // namespace brimsett::recordlist
