@@ -1,28 +1,13 @@
 #pragma once
 
-#include "TestSupport.h"
-#include "foundation/AppSettings.h"
-#include "foundation/Clock.h"
-#include "foundation/RecordingPrompter.h"
-#include "foundation/Schema.h"
-#include "foundation/SqlLog.h"
+#include "OfficeFixture.h"
 #include "patients/PatientEntry.h"
 #include "patients/PatientRegister.h"
 
 namespace brimsett::test {
 
-// An office with a full database, default settings, a scripted prompter and a clock pinned
-// to 2026/11/22, for the patient register's tests.
-struct PatientTestOffice {
-    TempOffice office;
-    std::unique_ptr<Database> db = office.emptyDatabase();
-    AppSettings settings;
-    RecordingPrompter prompter;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0))};
-    SqlLog log{OfficePaths(office.folder()), false};
-
-    PatientTestOffice() { schema::create(*db); }
-
+// The office of the patient register's tests.
+struct PatientTestOffice : OfficeFixture {
     PatientRegister patients() { return PatientRegister(*db, settings, prompter, clock, log); }
 
     void addPatient(qint64 id, const QString& healthNum, const QString& province,

@@ -1,9 +1,5 @@
-#include "TestSupport.h"
+#include "OfficeFixture.h"
 
-#include "foundation/AppSettings.h"
-#include "foundation/RecordingPrompter.h"
-#include "foundation/Schema.h"
-#include "foundation/SqlLog.h"
 #include "patients/ProviderChecks.h"
 #include "patients/ProviderRegister.h"
 
@@ -16,16 +12,11 @@ namespace {
 
 // Two providers with appointments, templates and claims of each. JS has only submitted
 // claims; AB has a pending one.
-struct Office {
-    test::TempOffice folder;
-    std::unique_ptr<Database> db = folder.emptyDatabase();
-    AppSettings settings;
-    RecordingPrompter prompter;
-    SqlLog log{OfficePaths(folder.folder()), true};
+struct Office : test::OfficeFixture {
     ProviderRegister providers{*db, settings, prompter, log};
 
     Office() {
-        schema::create(*db);
+        log.setOn(true);
         for (const char* id : {"AB", "JS"}) {
             db->exec(QStringLiteral("Insert Into Doctors (DoctorID, LName, FName, ProviderNum, "
                                     "GroupNum, SpecCode, MOHOffice) "

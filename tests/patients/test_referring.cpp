@@ -1,9 +1,5 @@
-#include "TestSupport.h"
+#include "OfficeFixture.h"
 
-#include "foundation/AppSettings.h"
-#include "foundation/RecordingPrompter.h"
-#include "foundation/Schema.h"
-#include "foundation/SqlLog.h"
 #include "patients/ReferringDoctorRegister.h"
 #include "patients/ReferringDoctorSearch.h"
 
@@ -14,16 +10,10 @@ using test::row;
 
 namespace {
 
-struct Office {
-    test::TempOffice folder;
-    std::unique_ptr<Database> db = folder.emptyDatabase();
-    AppSettings settings;
-    RecordingPrompter prompter;
-    SqlLog log{OfficePaths(folder.folder()), false};
+struct Office : test::OfficeFixture {
     ReferringDoctorRegister doctors{*db, prompter, log};
 
     Office() {
-        schema::create(*db);
         const QList<QStringList> rows = {
             {"550001", "Smith", "John"},  {"550002", "Smyth", "Anna"},
             {"550003", "O'Brien", "Pat"}, {"551234", "Smithers", "Ken"},

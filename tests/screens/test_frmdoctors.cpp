@@ -1,10 +1,6 @@
-#include "TestSupport.h"
+#include "OfficeFixture.h"
 
 #include "foundation/ActionRegistry.h"
-#include "foundation/AppSettings.h"
-#include "foundation/RecordingPrompter.h"
-#include "foundation/Schema.h"
-#include "foundation/SqlLog.h"
 #include "screens/ProviderScreens.h"
 #include "screens/frmDoctors.h"
 #include "screens/frmDoctorsOther.h"
@@ -22,17 +18,11 @@ namespace {
 
 // An office with two providers and two referring doctors, its screens registered under a
 // stand-in for the main window.
-struct Office {
-    test::TempOffice folder;
-    std::unique_ptr<Database> db = folder.emptyDatabase();
-    AppSettings settings;
-    RecordingPrompter prompter;
-    SqlLog log{OfficePaths(folder.folder()), false};
+struct Office : test::OfficeFixture {
     ActionRegistry registry;
     QWidget main;
 
     Office() {
-        schema::create(*db);
         db->exec(
             "Insert Into speccodes Values ('00', 'Family Practice'), "
             "('08', 'Internal Medicine')");

@@ -1,12 +1,7 @@
-#include "TestSupport.h"
+#include "OfficeFixture.h"
 
 #include "foundation/ActionRegistry.h"
-#include "foundation/AppSettings.h"
-#include "foundation/Clock.h"
 #include "foundation/MenuModel.h"
-#include "foundation/RecordingPrompter.h"
-#include "foundation/Schema.h"
-#include "foundation/SqlLog.h"
 #include "screens/PatientScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmPatients.h"
@@ -22,17 +17,10 @@ using namespace brimsett;
 
 namespace {
 
-struct Desk {
-    test::TempOffice office;
-    std::unique_ptr<Database> db = office.emptyDatabase();
-    AppSettings settings;
-    RecordingPrompter prompter;
-    FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(9, 0))};
-    SqlLog log{OfficePaths::resolve(office.folder()), false};
+struct Desk : test::OfficeFixture {
     std::unique_ptr<frmPatients> window;
 
     Desk() {
-        schema::create(*db);
         settings.option[8] = true;
         db->exec(QStringLiteral(
             "Insert Into Patients (PatientID, HealthNum, VersionCode, FName, LName, DOB, Sex,"
