@@ -1,0 +1,188 @@
+#include "claims/ClaimChecks.h"
+#include "claims/ClaimFieldForms.h"
+#include "foundation/AppSettings.h"
+#include "foundation/Clock.h"
+#include "foundation/Database.h"
+#include "foundation/Prompter.h"
+#include "patients/HealthNumbers.h"
+#include "patients/PatientEntry.h"
+
+#include <QSqlQuery>
+
+namespace brimsett {
+
+namespace {
+
+constexpr int kOnlyOntarioSwitch = 1;
+
+QString quoted(const QString& text) {
+    return QLatin1Char('\'') + text + QLatin1Char('\'');
+}
+
+bool isType(QChar type, const char* letters) {
+    return !type.isNull() && QLatin1String(letters).contains(type);
+}
+
+}  // namespace
+
+ClaimChecks::ClaimChecks(Database& db, Prompter& prompter, const Clock& clock,
+                         const AppSettings& settings, MoneyFormat money)
+    : m_db(db), m_prompter(prompter), m_clock(clock), m_settings(settings), m_money(money) {}
+
+QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
+    QStringList problems;
+    const QChar type = c.claimType();
+    const QDate today = m_clock.today();
+    const QString patientId = c.patientId.trimmed();
+    const QString number = c.healthNum.trimmed();
+    const QString version = c.versionCode.trimmed();
+    const QString sex = c.sex.trimmed().toUpper();
+    const QString province = c.province.trimmed().toUpper();
+    const QString refDoc = c.refDoc.trimmed();
+    const QString facility = c.facilityNum.trimmed();
+    const QString refLab = c.refLab.trimmed();
+    const QString doctorId = c.doctorId.trimmed();
+
+    // The claim copies the patient from the register, so the patient must be there.
+    if (!hn::allDigits(patientId) || patientId.toLongLong() <= 0 ||
+        m_db.scalar(QStringLiteral("Select Count(*) From patients Where PatientID=?"),
+                    {patientId.toLongLong()}, QStringLiteral("CheckClaim: looking for the patient"))
+                .toInt() == 0) {
+        problems << QStringLiteral("Invalid Patient ID.");
+    }
+    if (type.isNull()) {
+        problems << QStringLiteral("Claim type must be selected.");
+    }
+    if (!type.isNull() && !isType(type, "DT") && number.isEmpty()) {
+        problems << QStringLiteral("You must enter a health card number.");
+    }
+    if (type == QLatin1Char('H') && !number.isEmpty() && !hn::ontarioCheck(number)) {
+        problems << QStringLiteral("You must enter a valid Ontario health card number.");
+    }
+    if (type == QLatin1Char('R') && !number.isEmpty() &&
+        !hn::checkByProvince(number, province, m_settings.option[kOnlyOntarioSwitch])) {
+        problems << QStringLiteral("You must enter a valid health card number.");
+    }
+    if (!version.isEmpty() && !hn::allLetters(version)) {
+        problems << QStringLiteral("Version code is invalid, must be letters only.");
+    }
+
+    const QDate dob = readTypedDate(c.dob);
+    if (c.dob.trimmed().isEmpty()) {
+        problems << QStringLiteral("Date of Birth must be entered.");
+    } else if (!dob.isValid()) {
+        problems << quoted(c.dob) + QStringLiteral(" is not a valid date of birth.");
+    } else if (dob > today) {
+        problems << QStringLiteral("Date of birth cannot be a future date.");
+    }
+    if (sex.isEmpty()) {
+        problems << QStringLiteral("The patient's sex must be entered.");
+    } else if (sex != QLatin1String("M") && sex != QLatin1String("F")) {
+        problems << QStringLiteral("Invalid sex ('") + c.sex.trimmed() +
+                        QStringLiteral("'; must be 'M' or 'F').");
+    }
+
+    if (type == QLatin1Char('T')) {
+        const QString payer = c.thirdPartyId.trimmed();
+        if (payer.isEmpty()) {
+            problems << QStringLiteral("Please select which third party to bill.");
+        } else if (!hn::allDigits(payer) ||
+                   m_db.scalar(QStringLiteral("Select Count(*) From thirdparty"
+                                              " Where ThirdPartyID=?"),
+                               {payer.toLongLong()},
+                               QStringLiteral("CheckClaim: looking for the third party"))
+                           .toInt() == 0) {
+            problems << quoted(payer) + QStringLiteral(" is not a valid Third Party ID.");
+        }
+    }
+
+    if (type == QLatin1Char('R')) {
+        if (province.isEmpty()) {
+            problems << QStringLiteral("The province must be entered. (RMB)");
+        } else {
+            QSqlQuery row =
+                m_db.exec(QStringLiteral("Select ProvName, Format From provincodes"
+                                         " Where Upper(ProvinCode)=?"),
+                          {province}, QStringLiteral("CheckClaim: reading the province"));
+            if (!row.next()) {
+                problems << QStringLiteral("Invalid province (") + c.province.trimmed() +
+                                QStringLiteral(").");
+            } else {
+                const QString format = row.value(1).toString().trimmed();
+                if (!format.isEmpty() && !number.isEmpty() &&
+                    format != QString::number(number.size())) {
+                    problems << QStringLiteral(
+                                    "Health card number (registration number) must be ") +
+                                    format + QStringLiteral(" digits for ") +
+                                    row.value(0).toString() + QLatin1Char('.');
+                }
+            }
+        }
+        if (c.fName.trimmed().isEmpty() || c.lName.trimmed().isEmpty()) {
+            problems << QStringLiteral("The patient's full name must be entered. (RMB)");
+        }
+        if (sex.isEmpty()) {
+            problems << QStringLiteral("The patient's sex must be entered. (RMB)");
+        }
+    }
+    if (isType(type, "HW") && province != QLatin1String("ON")) {
+        problems << QStringLiteral("The province must be ''ON'' for OHIP (HCP,WCB) claims.");
+    }
+
+    if (!refDoc.isEmpty()) {
+        if (!claimform::isProviderNumber(refDoc)) {
+            problems << quoted(refDoc) +
+                            QStringLiteral(
+                                " is not a valid referring doctor code (it must be a 6 "
+                                "digit number).");
+        } else if (claimform::isReservedProviderNumber(refDoc)) {
+            problems << QStringLiteral("Invalid referring doctor number.");
+        }
+    }
+    if (!facility.isEmpty() && !claimform::isFacilityNumber(facility)) {
+        problems << quoted(facility) + QStringLiteral(" is not a valid facility number.");
+    }
+    if (!c.admitDate.trimmed().isEmpty()) {
+        const QDate admit = readTypedDate(c.admitDate);
+        if (!admit.isValid()) {
+            problems << quoted(c.admitDate) + QStringLiteral(" is not a valid admit date.");
+        } else {
+            if (admit > today) {
+                problems << QStringLiteral("The admit date cannot be a future date.");
+            }
+            if (dob.isValid() && admit < dob) {
+                problems << QStringLiteral(
+                    "The admit date cannot be earlier than the date of birth.");
+            }
+        }
+    }
+    if (!refLab.isEmpty() && !claimform::isRefLabNumber(refLab)) {
+        problems << quoted(refLab) + QStringLiteral(" is not a valid referring lab number.");
+    }
+
+    if (doctorId.isEmpty()) {
+        problems << QStringLiteral("The doctor's name must be entered");
+    } else if (m_db.scalar(QStringLiteral("Select Count(*) From doctors Where Upper(DoctorID)=?"),
+                           {doctorId.toUpper()},
+                           QStringLiteral("CheckClaim: looking for the provider"))
+                   .toInt() == 0) {
+        problems << quoted(doctorId) + QStringLiteral(" is not a valid doctor ID.");
+    }
+    return problems;
+}
+
+bool ClaimChecks::CheckClaim(const ClaimEntry& claim) {
+    const QStringList problems = claimProblems(claim);
+    if (problems.isEmpty()) {
+        return true;
+    }
+    return m_prompter.confirm(
+        kErrorTitle, QStringList{kProblemsHeading} + problems + QStringList{QString(), kSaveAnyway},
+        Icon::Critical);
+}
+
+bool ClaimChecks::checkBeforeSave(ClaimEntry& claim) {
+    return CheckClaim(claim) && CheckRows(claim) && CheckExpired(claim) && CheckDates(claim);
+}
+
+}  // namespace brimsett
