@@ -46,6 +46,14 @@ struct AgeBand {
     }
 };
 
+// Specialty codes are two digits, but a hand-edited schedule row may hold "8" for "08".
+bool sameSpecialty(const QString& a, const QString& b) {
+    if (hn::allDigits(a) && hn::allDigits(b)) {
+        return a.toInt() == b.toInt();
+    }
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
 // Whole years at the date; a birthday counts from its own day.
 int ageAt(const QDate& dob, const QDate& date) {
     int age = date.year() - dob.year();
@@ -154,7 +162,7 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
             "Service codes prefixed by T or V are excluded from WCB submissions.");
     }
     if (rules) {
-        if (!rules->specCode.isEmpty() && rules->specCode.toInt() != specialty.toInt()) {
+        if (!rules->specCode.isEmpty() && !sameSpecialty(rules->specCode, specialty)) {
             problems << QStringLiteral("Service Code ") + code +
                             QStringLiteral(
                                 " can only be billed by a provider with specialty "
