@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace brimsett {
 
 class Clock;
@@ -76,6 +78,9 @@ public:
 
 private:
     struct CodeRules;
+    // The rule columns of an item code's schedule row; none when the code is not there.
+    std::optional<CodeRules> scheduleRules(const QString& code) const;
+    bool inDirectList(const QString& code) const;
     QStringList problemsOfRow(const ClaimEntry& claim, const ItemEntry& row,
                               const QString& specialty, bool& manualReview) const;
     QString doctorSpecialty(const QString& doctorId) const;

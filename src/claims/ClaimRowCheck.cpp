@@ -105,6 +105,44 @@ QString ClaimChecks::doctorSpecialty(const QString& doctorId) const {
         .trimmed();
 }
 
+bool ClaimChecks::inDirectList(const QString& code) const {
+    // The office's own price list: the code as typed, or the fee code of a schedule code
+    // billed directly.
+    const QString feeCode = claimform::isScheduleItemCode(code) ? code.left(4) : code;
+    return m_db.scalar(QStringLiteral("Select Count(*) From servicecodesdirect"
+                                      " Where Upper(Trim(ServiceCode)) In (?, ?)"),
+                       {code, feeCode},
+                       QStringLiteral("CheckRows: looking for the direct service code"))
+               .toInt() > 0;
+}
+
+std::optional<ClaimChecks::CodeRules> ClaimChecks::scheduleRules(const QString& code) const {
+    if (!claimform::isScheduleItemCode(code)) {
+        return std::nullopt;
+    }
+    QSqlQuery q =
+        m_db.exec(QStringLiteral("Select SpecCode, Sex, MinimumAge, MaximumAge, MinAge2, MaxAge2,"
+                                 " MinAge3, MaxAge3, ReqDiagCode, ReqRefDoctor, ReqFacilityNum,"
+                                 " ReqAdmitDate, ReqManualReview From servicecodes"
+                                 " Where Upper(Trim(ServiceCode))=?"),
+                  {code.left(4)}, QStringLiteral("CheckRows: reading the service code"));
+    if (!q.next()) {
+        return std::nullopt;
+    }
+    CodeRules r;
+    r.specCode = q.value(0).toString().trimmed();
+    r.sex = q.value(1).toString().trimmed().toUpper();
+    for (int i = 0; i < 3; ++i) {
+        r.bands[i] = AgeBand::of(q.value(2 + 2 * i), q.value(3 + 2 * i));
+    }
+    r.reqDiagCode = q.value(8).toInt() != 0;
+    r.reqRefDoctor = q.value(9).toInt() != 0;
+    r.reqFacilityNum = q.value(10).toInt() != 0;
+    r.reqAdmitDate = q.value(11).toInt() != 0;
+    r.reqManualReview = q.value(12).toInt() != 0;
+    return r;
+}
+
 QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry& row,
                                        const QString& specialty, bool& manualReview) const {
     QStringList problems;
@@ -117,40 +155,11 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
 
     std::optional<CodeRules> rules;
     if (direct) {
-        // The office's own price list: the code as typed, or the fee code of a schedule
-        // code billed directly.
-        const QString feeCode =
-            claimform::isScheduleItemCode(upperCode) ? upperCode.left(4) : upperCode;
-        if (m_db.scalar(QStringLiteral("Select Count(*) From servicecodesdirect"
-                                       " Where Upper(ServiceCode) In (?, ?)"),
-                        {upperCode, feeCode},
-                        QStringLiteral("CheckRows: looking for the direct service code"))
-                .toInt() == 0) {
+        if (!inDirectList(upperCode)) {
             problems << quoted(code) + QStringLiteral(" is not a valid direct service code.");
         }
     } else {
-        if (claimform::isScheduleItemCode(upperCode)) {
-            QSqlQuery q = m_db.exec(
-                QStringLiteral("Select SpecCode, Sex, MinimumAge, MaximumAge, MinAge2, MaxAge2,"
-                               " MinAge3, MaxAge3, ReqDiagCode, ReqRefDoctor, ReqFacilityNum,"
-                               " ReqAdmitDate, ReqManualReview From servicecodes"
-                               " Where Upper(ServiceCode)=?"),
-                {upperCode.left(4)}, QStringLiteral("CheckRows: reading the service code"));
-            if (q.next()) {
-                CodeRules r;
-                r.specCode = q.value(0).toString().trimmed();
-                r.sex = q.value(1).toString().trimmed().toUpper();
-                for (int i = 0; i < 3; ++i) {
-                    r.bands[i] = AgeBand::of(q.value(2 + 2 * i), q.value(3 + 2 * i));
-                }
-                r.reqDiagCode = q.value(8).toInt() != 0;
-                r.reqRefDoctor = q.value(9).toInt() != 0;
-                r.reqFacilityNum = q.value(10).toInt() != 0;
-                r.reqAdmitDate = q.value(11).toInt() != 0;
-                r.reqManualReview = q.value(12).toInt() != 0;
-                rules = r;
-            }
-        }
+        rules = scheduleRules(upperCode);
         if (!rules) {
             problems << quoted(code) + QStringLiteral(" is not a valid service code.");
         }
@@ -165,8 +174,7 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
         if (!rules->specCode.isEmpty() && !sameSpecialty(rules->specCode, specialty)) {
             problems << QStringLiteral("Service Code ") + code +
                             QStringLiteral(
-                                " can only be billed by a provider with specialty "
-                                "code ") +
+                                " can only be billed by a provider with specialty code ") +
                             rules->specCode + QLatin1Char('.');
         }
         const QString sex = claim.sex.trimmed().toUpper();
@@ -193,13 +201,11 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     if (!diag.isEmpty()) {
         if (!claimform::isDiagnosticCode(diag)) {
             problems << quoted(diag) + QStringLiteral(" is not a valid diagnostic code.");
-        } else if (m_db.scalar(QStringLiteral("Select Count(*) From diagcodes"), {},
-                               QStringLiteral("CheckRows: counting the diagnostic codes"))
-                           .toInt() > 0 &&
-                   m_db.scalar(QStringLiteral("Select Count(*) From diagcodes"
-                                              " Where Trim(DiagCode)=?"),
+        } else if (m_db.scalar(QStringLiteral("Select Case When Exists (Select 1 From diagcodes"
+                                              " Where Trim(DiagCode)=?) Or Not Exists (Select 1"
+                                              " From diagcodes) Then 1 Else 0 End"),
                                {diag}, QStringLiteral("CheckRows: looking for the diagnostic code"))
-                           .toInt() == 0) {
+                       .toInt() == 0) {
             // A new office's list is empty; the list only speaks once it has been filled.
             problems << quoted(diag) +
                             QStringLiteral(

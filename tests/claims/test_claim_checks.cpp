@@ -245,6 +245,12 @@ private slots:
         QVERIFY(f.prompter.messages().isEmpty());
     }
 
+    void emptyDiagnosticListRefusesNothing() {
+        sql("Delete From diagcodes");
+        QCOMPARE(checks.rowProblems(changed({"row.diag=402"})), L{});
+        sql("Insert Into diagcodes (DiagCode) Values ('401'), ('250'), ('7999')");
+    }
+
     void checkDates_data() {
         QTest::addColumn<QString>("payProg");
         QTest::addColumn<L>("dates");
