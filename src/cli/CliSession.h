@@ -55,6 +55,8 @@ int commandBackup(CliSession& session, const QStringList& args);
 int commandSend(CliSession& session, const QStringList& args);
 int commandPatient(CliSession& session, const QStringList& args);
 int commandHn(CliSession& session, const QStringList& args);
+int commandImportSob(CliSession& session, const QStringList& args);
+int commandFee(CliSession& session, const QStringList& args);
 
 // Prints "brimsett-cli: " + reason to standard error and gives the failure status.
 int fail(const QString& reason, int status = 1);

@@ -20,7 +20,9 @@ const char* kUsage =
     "  send WORD [ARGS]          send a command word to the running program\n"
     "  hn check PROVINCE NUMBER  \"valid\" (exit 0) or \"not valid\" (exit 1)\n"
     "  hn guess NUMBER           the province the number most likely belongs to\n"
-    "  patient show ID           print the patient's fields, one per line\n";
+    "  patient show ID           print the patient's fields, one per line\n"
+    "  import-sob FILE           update the fee schedule from the ministry's master file\n"
+    "  fee CODE SPECIALTY        the fee and units an item with that code would take\n";
 
 }  // namespace
 
@@ -50,10 +52,15 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::map<QString, std::function<int(CliSession&, const QStringList&)>> commands = {
-        {QStringLiteral("init"), commandInit},         {QStringLiteral("sql"), commandSql},
-        {QStringLiteral("settings"), commandSettings}, {QStringLiteral("backup"), commandBackup},
-        {QStringLiteral("send"), commandSend},         {QStringLiteral("hn"), commandHn},
+        {QStringLiteral("init"), commandInit},
+        {QStringLiteral("sql"), commandSql},
+        {QStringLiteral("settings"), commandSettings},
+        {QStringLiteral("backup"), commandBackup},
+        {QStringLiteral("send"), commandSend},
+        {QStringLiteral("hn"), commandHn},
         {QStringLiteral("patient"), commandPatient},
+        {QStringLiteral("import-sob"), commandImportSob},
+        {QStringLiteral("fee"), commandFee},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);
