@@ -2,6 +2,7 @@
 
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
+#include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
 #include "screens/frmBMain.h"
@@ -122,6 +123,8 @@ void AppShell::registerScreens() {
     m_patients->registerIn(m_registry);
     registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                             m_main.get());
+    registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
+                        m_main.get());
 }
 
 void AppShell::openOptions() {
