@@ -64,12 +64,13 @@ bool CodeSheet::load(const QString& find) {
         QSqlQuery q = m_db.exec(sql, values, QStringLiteral("reading ") + m_table.table);
         const int columns = int(m_table.columns.size());
         while (q.next()) {
+            // Kept as stored and shown as text only when asked: a grid shows a screenful of
+            // the schedule's thousands of rows.
             Row row;
-            row.cells.reserve(columns);
+            row.stored.reserve(columns);
             for (int c = 0; c < columns; ++c) {
-                row.cells << m_table.cellOf(c, q.value(c), m_money);
+                row.stored << q.value(c);
             }
-            row.stored = row.cells;
             row.storedKey = q.value(m_table.keyColumn).toString();
             loaded.insert(row.storedKey.toUpper());
             rows << std::move(row);
@@ -86,18 +87,39 @@ bool CodeSheet::load(const QString& find) {
     return true;
 }
 
-bool CodeSheet::isChanged(int row) const {
+QString CodeSheet::cell(int row, int column) const {
     const Row& r = m_rows.at(row);
-    return r.isNew || r.cells != r.stored;
+    return r.cells.isEmpty() ? storedText(r, column) : r.cells.at(column);
+}
+
+QString CodeSheet::storedText(const Row& row, int column) const {
+    return row.isNew ? QString() : m_table.cellOf(column, row.stored.at(column), m_money);
+}
+
+bool CodeSheet::cellChanged(const Row& row, int column) const {
+    return row.isNew || (!row.cells.isEmpty() && row.cells.at(column) != storedText(row, column));
 }
 
 bool CodeSheet::setCell(int row, int column, const QString& typed) {
-    QString& cell = m_rows[row].cells[column];
+    Row& r = m_rows[row];
     const QString tidied = m_table.tidied(column, typed, m_money);
-    if (cell == tidied) {
+    if (cell(row, column) == tidied) {
         return false;
     }
-    cell = tidied;
+    if (r.cells.isEmpty()) {
+        for (int c = 0; c < m_table.columns.size(); ++c) {
+            r.cells << storedText(r, c);
+        }
+    }
+    r.cells[column] = tidied;
+    // A row typed back to what is stored is no longer a change.
+    bool differs = r.isNew;
+    for (int c = 0; c < m_table.columns.size() && !differs; ++c) {
+        differs = cellChanged(r, c);
+    }
+    if (!differs) {
+        r.cells.clear();
+    }
     return true;
 }
 
@@ -116,6 +138,11 @@ void CodeSheet::removeRow(int row) {
         m_removed << m_rows.at(row).storedKey;
     }
     m_rows.removeAt(row);
+}
+
+bool CodeSheet::isChanged(int row) const {
+    const Row& r = m_rows.at(row);
+    return r.isNew || !r.cells.isEmpty();
 }
 
 bool CodeSheet::hasChanges() const {
@@ -181,7 +208,7 @@ QList<CodeSheet::Problem> CodeSheet::problems() const {
                                        .arg(m_table.rowWord));
         }
         for (int c = 0; c < m_table.columns.size(); ++c) {
-            if (row.isNew || row.cells.at(c) != row.stored.at(c)) {
+            if (cellChanged(row, c)) {
                 const QString problem = m_table.storedOf(c, row.cells.at(c), m_money).problem;
                 if (!problem.isEmpty()) {
                     add(c, problem);
@@ -247,7 +274,7 @@ bool CodeSheet::write() {
         for (int c = 0; c < m_table.columns.size(); ++c) {
             // Only what the user changed is written, so a column changed meanwhile on another
             // computer keeps its value.
-            if (row.isNew || row.cells.at(c) != row.stored.at(c)) {
+            if (cellChanged(row, c)) {
                 const CodeColumn& column = m_table.columns.at(c);
                 builder.addField(column.name, m_table.storedOf(c, row.cells.at(c), m_money).value,
                                  builderKind(column));

@@ -6,6 +6,7 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 namespace brimsett {
 
@@ -44,7 +45,8 @@ public:
     const QString& find() const { return m_find; }
 
     int rowCount() const { return int(m_rows.size()); }
-    const QString& cell(int row, int column) const { return m_rows.at(row).cells.at(column); }
+    // The text of a cell as the grid shows it.
+    QString cell(int row, int column) const;
     bool isNew(int row) const { return m_rows.at(row).isNew; }
     bool isChanged(int row) const;
     // The key of a row as stored; empty for a new row.
@@ -68,11 +70,13 @@ public:
 
 private:
     struct Row {
-        QStringList cells;
-        QStringList stored;  // as read; empty for a new row
+        QVariantList stored;  // as read; empty for a new row
+        QStringList cells;    // every cell's text once one is edited; empty while unchanged
         QString storedKey;
         bool isNew = false;
     };
+    QString storedText(const Row& row, int column) const;
+    bool cellChanged(const Row& row, int column) const;
     QString rowLabel(int row) const;
     // Stored keys (capitals) of rows outside the sheet that a new or changed key would meet.
     bool keyTakenOutside(const QString& key) const;

@@ -149,8 +149,9 @@ CodeTable::Stored CodeTable::storedOf(int column, const QString& cell,
                             .arg(c.maxLength)};
             }
             if (!c.choices.isEmpty() && !c.choices.contains(t, Qt::CaseInsensitive)) {
-                return refused(QStringLiteral("must be one of ") +
-                               c.choices.join(QStringLiteral(", ")) + QStringLiteral(", not"));
+                return {{},
+                        QStringLiteral("%1 must be one of %2, not \"%3\".")
+                            .arg(c.caption, c.choices.join(QStringLiteral(", ")), t)};
             }
             return {c.kind == Kind::Code ? t.toUpper() : t, {}};
         case Kind::Money:
@@ -198,12 +199,13 @@ const CodeTable& serviceCodes() {
          whole("UnitsNonAna", "Non-Anaes. Units"),
          date("DateStart", "Effective"),
          hinted(date("DateTerm", "Terminates"), "1980/01/01: the fee has no termination date"),
-         yesNo("ReqDiagCode", "Diag. Code"),
-         yesNo("ReqRefDoctor", "Referral"),
-         yesNo("ReqFacilityNum", "Facility"),
-         yesNo("ReqAdmitDate", "Admit Date"),
-         yesNo("ReqManualReview", "Manual Review"),
-         yesNo("Modifier", "Modifier"),
+         hinted(yesNo("ReqDiagCode", "Needs Diag."), "An item needs a diagnostic code"),
+         hinted(yesNo("ReqRefDoctor", "Needs Referral"), "An item needs a referring doctor"),
+         hinted(yesNo("ReqFacilityNum", "Needs Facility"), "An item needs a facility number"),
+         hinted(yesNo("ReqAdmitDate", "Needs Admission"), "An item needs an admission date"),
+         hinted(yesNo("ReqManualReview", "Manual Review"),
+                "The claim is flagged for the ministry's manual review"),
+         hinted(yesNo("Modifier", "Modifier"), "The code takes a modifier"),
          hinted(code("SpecCode", "Specialty", 2, 5), "Only this specialty may bill it; blank: any"),
          CodeColumn{
              "Sex", "Sex", Kind::Code, 1, 4, {"B", "F", "M"}, "B: both, F: female, M: male", "B"},
@@ -214,7 +216,7 @@ const CodeTable& serviceCodes() {
          whole("MinAge3", "Min. Age 3", Kind::Long),
          whole("MaxAge3", "Max. Age 3", Kind::Long),
          text("InterVal", "Interval", 8, 8),
-         hinted(code("Prereq", "Prerequisites", 200, 16), "Codes that must be billed first"),
+         code("Prereq", "Prerequisites", 200, 16),
          yesNo("Q200Flag", "Q200")}};
     return table;
 }

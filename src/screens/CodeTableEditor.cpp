@@ -92,6 +92,9 @@ CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const Sql
     auto* findLabel = new QLabel(QStringLiteral("F&ind (F3):"), this);
     findLabel->setBuddy(m_find);
     m_count = new QLabel(this);
+    m_count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_count->setMinimumWidth(
+        m_count->fontMetrics().horizontalAdvance(QStringLiteral("99,999 %1s").arg(table.rowWord)));
 
     m_model = new CodeTableModel(m_sheet, this);
     connect(m_model, &CodeTableModel::edited, this, &CodeTableEditor::showState);
@@ -103,6 +106,8 @@ CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const Sql
     m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_grid->setWordWrap(false);
     m_grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    // A bold row number means unsaved edits, not the current row.
+    m_grid->verticalHeader()->setHighlightSections(false);
     m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 6);
     m_grid->installEventFilter(this);
     (new EnterMovesOn(this))->watch(m_grid);

@@ -43,6 +43,9 @@ QVariant CodeTableModel::data(const QModelIndex& index, int role) const {
             return text;
         case Qt::TextAlignmentRole:
             return column.isNumber() ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+        case Qt::ToolTipRole:
+            // A long description is cut short in its column; the whole of it shows on hover.
+            return text.size() > column.width ? QVariant(text) : QVariant();
         default:
             return {};
     }
@@ -84,10 +87,17 @@ QVariant CodeTableModel::headerData(int section, Qt::Orientation orientation, in
         if (role == Qt::DisplayRole) {
             return section + 1;
         }
-        if (role == Qt::FontRole && section < m_sheet.rowCount() && m_sheet.isChanged(section)) {
+        if (section >= m_sheet.rowCount() || !m_sheet.isChanged(section)) {
+            return {};
+        }
+        if (role == Qt::FontRole) {
             QFont bold;
             bold.setBold(true);
             return bold;
+        }
+        if (role == Qt::ToolTipRole) {
+            return m_sheet.isNew(section) ? QStringLiteral("New, not saved yet")
+                                          : QStringLiteral("Changed, not saved yet");
         }
         return {};
     }
