@@ -28,6 +28,7 @@ class AccessLevels {
 public:
     static constexpr int kLevelCount = 5;
     static constexpr int kMaster = 0;
+    static constexpr int kBillingSecretary = 2;
 
     enum class ChangeResult {
         Changed,

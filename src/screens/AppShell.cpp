@@ -124,7 +124,7 @@ void AppShell::registerScreens() {
     registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                             m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
-                        m_main.get());
+                        m_session.money, m_access, m_main.get());
 }
 
 void AppShell::openOptions() {

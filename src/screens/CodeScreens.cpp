@@ -1,14 +1,14 @@
 #include "screens/CodeScreens.h"
 
+#include "foundation/AccessLevels.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/AppSettings.h"
-#include "foundation/Startup.h"
+#include "foundation/Money.h"
 #include "screens/CodeEditors.h"
 #include "screens/frmManageCodes.h"
 #include "screens/frmOHIPCodes.h"
 
 #include <QList>
-#include <QLocale>
 #include <QPointer>
 
 #include <functional>
@@ -23,13 +23,13 @@ constexpr int kActionManageCodes = 12;
 class CodeScreenOpener : public QObject {
 public:
     CodeScreenOpener(Database& db, const AppSettings& settings, const SqlLog& log,
-                     Prompter& prompter, QWidget* parent)
+                     Prompter& prompter, const MoneyFormat& money, QWidget* parent)
         : QObject(parent),
           m_db(db),
           m_log(log),
           m_prompter(prompter),
           m_parent(parent),
-          m_money(Startup::moneyFormatOf(QLocale::system())),
+          m_money(money),
           m_scheduleFolder(settings.appPath) {
         add(codetables::serviceCodes().title, [this]() -> CodeTableEditor* {
             auto* screen =
@@ -108,10 +108,15 @@ private:
 }  // namespace
 
 void registerCodeScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
-                         const SqlLog& log, Prompter& prompter, QWidget* parent) {
-    auto* opener = new CodeScreenOpener(db, settings, log, prompter, parent);
+                         const SqlLog& log, Prompter& prompter, const MoneyFormat& money,
+                         const AccessLevels& access, QWidget* parent) {
+    auto* opener = new CodeScreenOpener(db, settings, log, prompter, money, parent);
     registry.setAction(kActionManageCodes, QStringLiteral("Manage Codes"),
-                       [opener] { opener->showList(); });
+                       [opener, &access, &prompter] {
+                           if (access.require(AccessLevels::kBillingSecretary, prompter)) {
+                               opener->showList();
+                           }
+                       });
 }
 
 }  // namespace brimsett

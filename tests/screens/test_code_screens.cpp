@@ -1,6 +1,7 @@
 #include "OfficeFixture.h"
 
 #include "claims/CodeSheet.h"
+#include "foundation/AccessLevels.h"
 #include "foundation/ActionRegistry.h"
 #include "screens/CodeEditors.h"
 #include "screens/CodeScreens.h"
@@ -21,6 +22,7 @@ namespace {
 // under a stand-in for the main window.
 struct Office : test::OfficeFixture {
     ActionRegistry registry;
+    AccessLevels access{office.store()};
     QWidget main;
 
     Office() {
@@ -30,7 +32,7 @@ struct Office : test::OfficeFixture {
         db->exec(
             "Insert Into ServiceCodes (ServiceCode, Description, FeeGeneral, Sex) "
             "Values ('A007', 'Intermediate assessment', 100000, 'B')");
-        registerCodeScreens(registry, *db, settings, log, prompter, &main);
+        registerCodeScreens(registry, *db, settings, log, prompter, MoneyFormat{}, access, &main);
     }
 
     // Opens the editor at that place of the "Manage Codes" list, as the user does.
@@ -87,6 +89,18 @@ class TestCodeScreens : public QObject {
     Q_OBJECT
 
 private slots:
+    void theListNeedsTheBillingPassword() {
+        Office o;
+        o.access.change(AccessLevels::kMaster, QStringLiteral("boss"));
+        o.access.change(AccessLevels::kBillingSecretary, QStringLiteral("fees"));
+        o.registry.runAction(12);
+        QVERIFY(!o.main.findChild<frmManageCodes*>());
+        QVERIFY(o.prompter.last().lines.join(u' ').contains(u"Billing Secretary"));
+        QVERIFY(o.access.login(QStringLiteral("fees")));
+        o.registry.runAction(12);
+        QVERIFY(o.main.findChild<frmManageCodes*>());
+    }
+
     void editAndSave() {
         Office office;
         office.log.setOn(true);
