@@ -6,6 +6,7 @@
 #include "foundation/Prompter.h"
 #include "patients/HealthNumbers.h"
 #include "patients/PatientEntry.h"
+#include "patients/PatientValidation.h"
 
 #include <QSqlQuery>
 
@@ -142,20 +143,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     if (!facility.isEmpty() && !claimform::isFacilityNumber(facility)) {
         problems << quoted(facility) + QStringLiteral(" is not a valid facility number.");
     }
-    if (!c.admitDate.trimmed().isEmpty()) {
-        const QDate admit = readTypedDate(c.admitDate);
-        if (!admit.isValid()) {
-            problems << quoted(c.admitDate) + QStringLiteral(" is not a valid admit date.");
-        } else {
-            if (admit > today) {
-                problems << QStringLiteral("The admit date cannot be a future date.");
-            }
-            if (dob.isValid() && admit < dob) {
-                problems << QStringLiteral(
-                    "The admit date cannot be earlier than the date of birth.");
-            }
-        }
-    }
+    problems << admitDateProblems(c.admitDate, dob, today);
     if (!refLab.isEmpty() && !claimform::isRefLabNumber(refLab)) {
         problems << quoted(refLab) + QStringLiteral(" is not a valid referring lab number.");
     }

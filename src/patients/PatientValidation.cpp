@@ -25,6 +25,24 @@ bool isBillingNumber(const QString& text) {
 
 }  // namespace
 
+QStringList admitDateProblems(const QString& typed, const QDate& dob, const QDate& today) {
+    if (typed.trimmed().isEmpty()) {
+        return {};
+    }
+    const QDate admit = readTypedDate(typed);
+    if (!admit.isValid()) {
+        return {quoted(typed) + QStringLiteral(" is not a valid admit date.")};
+    }
+    QStringList problems;
+    if (admit > today) {
+        problems << QStringLiteral("The admit date cannot be a future date.");
+    }
+    if (dob.isValid() && admit < dob) {
+        problems << QStringLiteral("The admit date cannot be earlier than the date of birth.");
+    }
+    return problems;
+}
+
 PatientValidation::PatientValidation(Database& db, const AppSettings& settings, Prompter& prompter,
                                      const Clock& clock)
     : m_db(db), m_settings(settings), m_prompter(prompter), m_clock(clock) {}
@@ -116,20 +134,7 @@ QStringList PatientValidation::fieldProblems(const PatientEntry& entry) const {
                 "Invalid characters in Facility Number (must be alphanumeric).");
         }
     }
-    if (!entry.admitDate.isEmpty()) {
-        const QDate admit = readTypedDate(entry.admitDate);
-        if (!admit.isValid()) {
-            problems << quoted(entry.admitDate) + QStringLiteral(" is not a valid admit date.");
-        } else {
-            if (admit > today) {
-                problems << QStringLiteral("The admit date cannot be a future date.");
-            }
-            if (dob.isValid() && admit < dob) {
-                problems << QStringLiteral(
-                    "The admit date cannot be earlier than the date of birth.");
-            }
-        }
-    }
+    problems << admitDateProblems(entry.admitDate, dob, today);
     return problems;
 }
 

@@ -14,6 +14,10 @@ class Database;
 class Prompter;
 struct AppSettings;
 
+// The admission date rules that a patient and a claim share: a typed date that reads, not in
+// the future, not before the date of birth (when that reads). Empty text has no problems.
+QStringList admitDateProblems(const QString& typed, const QDate& dob, const QDate& today);
+
 // The checks a patient passes before it is saved. Nothing is written here.
 //
 // check() runs them in this order and talks to the user itself:
