@@ -60,18 +60,23 @@ bool isGeneralPractice(const QString& specialty) {
 }
 
 std::optional<ItemFee> bySuffix(const ServiceFees& f, QChar suffix, const QString& specialty) {
+    // A negative stored fee is the office's own amount, pinned against later imports: the
+    // sign is the pin, the amount is what the office bills.
+    const auto billed = [](Money fee, int units) {
+        return ItemFee{fee < Money() ? -fee : fee, units};
+    };
     switch (suffix.toUpper().unicode()) {
         case 'A': {
             const bool general = isGeneralPractice(specialty);
             const Money first = general ? f.feeGeneral : f.feeSpecialist;
             const Money second = general ? f.feeSpecialist : f.feeGeneral;
-            return ItemFee{first.isZero() ? second : first, 0};
+            return billed(first.isZero() ? second : first, 0);
         }
         case 'B':
-            return ItemFee{f.feeAssistant, f.unitsAssistant};
+            return billed(f.feeAssistant, f.unitsAssistant);
         case 'C':
-            return f.feeAna.isZero() ? ItemFee{f.feeNonAna, f.unitsNonAna}
-                                     : ItemFee{f.feeAna, f.unitsAna};
+            return f.feeAna.isZero() ? billed(f.feeNonAna, f.unitsNonAna)
+                                     : billed(f.feeAna, f.unitsAna);
         default:
             return std::nullopt;
     }

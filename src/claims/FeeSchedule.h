@@ -48,7 +48,8 @@ bool isGeneralPractice(const QString& specialty);
 //       FeeSpecialist, or FeeGeneral when that is 0; no units.
 //  "B": FeeAssistant with UnitsAssistant.
 //  "C": FeeAna with UnitsAna when FeeAna is not 0, otherwise FeeNonAna with UnitsNonAna.
-// None for any other suffix: such an item keeps the fee it has.
+// None for any other suffix: such an item keeps the fee it has. A negative (pinned) fee is
+// billed as its amount.
 std::optional<ItemFee> bySuffix(const ServiceFees& fees, QChar suffix, const QString& specialty);
 
 }  // namespace fees

@@ -10,7 +10,7 @@ using test::row;
 namespace {
 
 // X001 has every fee; X002 no general and no anaesthetist fee; X003 no specialist fee;
-// W005 was typed by hand in lower case with a blank.
+// W005 was typed by hand in lower case with a blank; P001 has the office's pinned fees.
 struct Office : test::OfficeFixture {
     FeeSchedule schedule{*db, log};
 
@@ -23,6 +23,7 @@ struct Office : test::OfficeFixture {
         db->exec(insert, {"X002", 0, 500000, 0, 0, 0, 0, 200000, 2});
         db->exec(insert, {"X003", 250000, 0, 0, 0, 0, 0, 0, 0});
         db->exec(insert, {" w005", 110000, 0, 0, 0, 0, 0, 0, 0});
+        db->exec(insert, {"P001", -420000, 0, 0, 0, -150000, 1, 0, 0});
     }
 };
 
@@ -53,6 +54,8 @@ private slots:
         row("C, no anaesthetist fee: non-anaesthetist", "X002C", "08", "20.00 units 2");
         row("lower case code", "x001a", "08", "45.00 units 0");
         row("code stored in lower case", "W005A", "00", "11.00 units 0");
+        row("A, pinned general fee", "P001A", "00", "42.00 units 0");
+        row("C, pinned anaesthetist fee", "P001C", "00", "15.00 units 1");
         row("other suffix keeps its own fee", "X001D", "00", "none");
         row("code not in the schedule", "Y999A", "00", "none");
         row("no suffix", "X", "00", "none");
