@@ -16,10 +16,6 @@ namespace {
 
 constexpr int kOnlyOntarioSwitch = 1;
 
-QString quoted(const QString& text) {
-    return QLatin1Char('\'') + text + QLatin1Char('\'');
-}
-
 bool isType(QChar type, const char* letters) {
     return !type.isNull() && QLatin1String(letters).contains(type);
 }
@@ -72,7 +68,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     if (c.dob.trimmed().isEmpty()) {
         problems << QStringLiteral("Date of Birth must be entered.");
     } else if (!dob.isValid()) {
-        problems << quoted(c.dob) + QStringLiteral(" is not a valid date of birth.");
+        problems << quotedInMessage(c.dob) + QStringLiteral(" is not a valid date of birth.");
     } else if (dob > today) {
         problems << QStringLiteral("Date of birth cannot be a future date.");
     }
@@ -93,7 +89,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
                                {payer.toLongLong()},
                                QStringLiteral("CheckClaim: looking for the third party"))
                            .toInt() == 0) {
-            problems << quoted(payer) + QStringLiteral(" is not a valid Third Party ID.");
+            problems << quotedInMessage(payer) + QStringLiteral(" is not a valid Third Party ID.");
         }
     }
 
@@ -132,7 +128,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
 
     if (!refDoc.isEmpty()) {
         if (!claimform::isProviderNumber(refDoc)) {
-            problems << quoted(refDoc) +
+            problems << quotedInMessage(refDoc) +
                             QStringLiteral(
                                 " is not a valid referring doctor code (it must be a 6 "
                                 "digit number).");
@@ -141,11 +137,12 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
         }
     }
     if (!facility.isEmpty() && !claimform::isFacilityNumber(facility)) {
-        problems << quoted(facility) + QStringLiteral(" is not a valid facility number.");
+        problems << quotedInMessage(facility) + QStringLiteral(" is not a valid facility number.");
     }
     problems << admitDateProblems(c.admitDate, dob, today);
     if (!refLab.isEmpty() && !claimform::isRefLabNumber(refLab)) {
-        problems << quoted(refLab) + QStringLiteral(" is not a valid referring lab number.");
+        problems << quotedInMessage(refLab) +
+                        QStringLiteral(" is not a valid referring lab number.");
     }
 
     if (doctorId.isEmpty()) {
@@ -154,7 +151,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
                            {doctorId.toUpper()},
                            QStringLiteral("CheckClaim: looking for the provider"))
                    .toInt() == 0) {
-        problems << quoted(doctorId) + QStringLiteral(" is not a valid doctor ID.");
+        problems << quotedInMessage(doctorId) + QStringLiteral(" is not a valid doctor ID.");
     }
     return problems;
 }

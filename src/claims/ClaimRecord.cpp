@@ -1,5 +1,6 @@
 #include "claims/ClaimRecord.h"
 
+#include "foundation/RecordValues.h"
 #include "patients/PatientEntry.h"
 
 #include <QSqlRecord>
@@ -8,14 +9,8 @@ namespace brimsett {
 
 namespace {
 
-QVariant valueOf(const QSqlRecord& record, const char* column) {
-    const int i = record.indexOf(QLatin1String(column));
-    return i < 0 || record.isNull(i) ? QVariant() : record.value(i);
-}
-
-QString textOf(const QSqlRecord& record, const char* column) {
-    return valueOf(record, column).toString();
-}
+using recordvalue::textOf;
+const auto valueOf = recordvalue::of;
 
 qint64 numberOf(const QSqlRecord& record, const char* column) {
     return valueOf(record, column).toLongLong();

@@ -15,10 +15,6 @@ namespace {
 
 constexpr int kNoAgeLimit = 999;
 
-QString quoted(const QString& text) {
-    return QLatin1Char('\'') + text + QLatin1Char('\'');
-}
-
 // An age range of a code; a missing end is open. The schedule writes "no limit" as a
 // minimum of 0 and a maximum of 999; an empty or 0 maximum is read as open too, so that a
 // hand-made row with blanks never refuses every patient.
@@ -156,12 +152,13 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     std::optional<CodeRules> rules;
     if (direct) {
         if (!inDirectList(upperCode)) {
-            problems << quoted(code) + QStringLiteral(" is not a valid direct service code.");
+            problems << quotedInMessage(code) +
+                            QStringLiteral(" is not a valid direct service code.");
         }
     } else {
         rules = scheduleRules(upperCode);
         if (!rules) {
-            problems << quoted(code) + QStringLiteral(" is not a valid service code.");
+            problems << quotedInMessage(code) + QStringLiteral(" is not a valid service code.");
         }
     }
 
@@ -200,14 +197,14 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
 
     if (!diag.isEmpty()) {
         if (!claimform::isDiagnosticCode(diag)) {
-            problems << quoted(diag) + QStringLiteral(" is not a valid diagnostic code.");
+            problems << quotedInMessage(diag) + QStringLiteral(" is not a valid diagnostic code.");
         } else if (m_db.scalar(QStringLiteral("Select Case When Exists (Select 1 From diagcodes"
                                               " Where Trim(DiagCode)=?) Or Not Exists (Select 1"
                                               " From diagcodes) Then 1 Else 0 End"),
                                {diag}, QStringLiteral("CheckRows: looking for the diagnostic code"))
                        .toInt() == 0) {
             // A new office's list is empty; the list only speaks once it has been filled.
-            problems << quoted(diag) +
+            problems << quotedInMessage(diag) +
                             QStringLiteral(
                                 " is not listed in Brimsett as a valid diagnostic code.");
         }
@@ -217,7 +214,7 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     const QString numServ = row.numServ.trimmed();
     const int services = numServ.toInt();
     if (!hn::allDigits(numServ) || services < 1 || services > 99) {
-        problems << quoted(numServ) +
+        problems << quotedInMessage(numServ) +
                         QStringLiteral(" is invalid for number of services (must be 1-99).");
     }
 
@@ -225,7 +222,7 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     if (feeText.isEmpty()) {
         problems << QStringLiteral("Fee must be entered.");
     } else if (const std::optional<Money> fee = Money::parse(feeText, m_money); !fee) {
-        problems << quoted(feeText) + QStringLiteral(" is not a valid fee.");
+        problems << quotedInMessage(feeText) + QStringLiteral(" is not a valid fee.");
     } else if (*fee <= Money()) {
         problems << QStringLiteral("Fee must be greater than zero.");
     } else if (*fee > Money::fromCents(500000)) {
@@ -235,7 +232,7 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     if (row.serviceDate.trimmed().isEmpty()) {
         problems << QStringLiteral("Service date must be entered.");
     } else if (!serviceDate.isValid()) {
-        problems << quoted(row.serviceDate.trimmed()) +
+        problems << quotedInMessage(row.serviceDate.trimmed()) +
                         QStringLiteral(" is not a valid service date.");
     }
 

@@ -5,6 +5,11 @@
 
 namespace brimsett {
 
+// A typed value as messages quote it back: between apostrophes.
+inline QString quotedInMessage(const QString& typed) {
+    return QLatin1Char('\'') + typed + QLatin1Char('\'');
+}
+
 enum class Icon { None, Information, Question, Warning, Critical };
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Answer { Ok, Cancel, Yes, No };

@@ -1,6 +1,7 @@
 #include "patients/PatientEntry.h"
 
 #include "foundation/DateText.h"
+#include "foundation/RecordValues.h"
 
 #include <QDateTime>
 #include <QSqlRecord>
@@ -9,17 +10,10 @@ namespace brimsett {
 
 namespace {
 
-QString textOf(const QSqlRecord& record, const char* column) {
-    const int i = record.indexOf(QLatin1String(column));
-    if (i < 0 || record.isNull(i)) {
-        return {};
-    }
-    return record.value(i).toString();
-}
+using recordvalue::textOf;
 
 QString dateOf(const QSqlRecord& record, const char* column) {
-    const int i = record.indexOf(QLatin1String(column));
-    return i < 0 ? QString() : dateTextOf(record.value(i));
+    return dateTextOf(recordvalue::of(record, column));
 }
 
 }  // namespace

@@ -15,10 +15,6 @@ namespace {
 constexpr int kOnlyOntarioSwitch = 1;
 constexpr int kEmptyFieldWarningsSwitch = 22;
 
-QString quoted(const QString& text) {
-    return QLatin1Char('\'') + text + QLatin1Char('\'');
-}
-
 bool isBillingNumber(const QString& text) {
     return text.size() == 6 && hn::allDigits(text);
 }
@@ -31,7 +27,7 @@ QStringList admitDateProblems(const QString& typed, const QDate& dob, const QDat
     }
     const QDate admit = readTypedDate(typed);
     if (!admit.isValid()) {
-        return {quoted(typed) + QStringLiteral(" is not a valid admit date.")};
+        return {quotedInMessage(typed) + QStringLiteral(" is not a valid admit date.")};
     }
     QStringList problems;
     if (admit > today) {
@@ -74,7 +70,8 @@ QStringList PatientValidation::healthNumberProblems(const PatientEntry& entry,
     QStringList problems;
     if (!hn::checkByProvince(entry.healthNum, entry.province.toUpper(),
                              m_settings.option[kOnlyOntarioSwitch])) {
-        problems << quoted(entry.healthNum) + QStringLiteral(" is not a valid health card number.");
+        problems << quotedInMessage(entry.healthNum) +
+                        QStringLiteral(" is not a valid health card number.");
     }
     return problems + duplicateProblems(entry, ownId);
 }
@@ -85,9 +82,9 @@ QStringList PatientValidation::duplicateProblems(const PatientEntry& entry,
     if (!other) {
         return {};
     }
-    return {
-        QStringLiteral("There is already an existing patient (") + *other + QLatin1Char(')'),
-        QStringLiteral("with health card number ") + quoted(entry.healthNum) + QLatin1Char('.')};
+    return {QStringLiteral("There is already an existing patient (") + *other + QLatin1Char(')'),
+            QStringLiteral("with health card number ") + quotedInMessage(entry.healthNum) +
+                QLatin1Char('.')};
 }
 
 QStringList PatientValidation::fieldProblems(const PatientEntry& entry) const {
@@ -96,20 +93,22 @@ QStringList PatientValidation::fieldProblems(const PatientEntry& entry) const {
     const QDate dob = readTypedDate(entry.dob);
 
     if (!entry.versionCode.isEmpty() && !hn::allLetters(entry.versionCode)) {
-        problems << quoted(entry.versionCode) +
+        problems << quotedInMessage(entry.versionCode) +
                         QStringLiteral(" is not a valid version code, must be letters only.");
     }
     if (!entry.expYear.isEmpty()) {
         const QDate expiry = readTypedDate(entry.expYear);
         if (!expiry.isValid()) {
-            problems << quoted(entry.expYear) + QStringLiteral(" is not a valid expiry date.");
+            problems << quotedInMessage(entry.expYear) +
+                            QStringLiteral(" is not a valid expiry date.");
         } else if (dob.isValid() && expiry < dob) {
             problems << QStringLiteral("The expiry date cannot be earlier than the date of birth.");
         }
     }
     if (!entry.dob.isEmpty()) {
         if (!dob.isValid()) {
-            problems << quoted(entry.dob) + QStringLiteral(" is not a valid date of birth.");
+            problems << quotedInMessage(entry.dob) +
+                            QStringLiteral(" is not a valid date of birth.");
         } else if (dob > today) {
             problems << QStringLiteral("The date of birth cannot be a future date.");
         }
