@@ -1,5 +1,7 @@
 #include "claims/SobLine.h"
 
+#include "patients/HealthNumbers.h"
+
 namespace brimsett::sob {
 
 namespace {
@@ -10,22 +12,10 @@ constexpr int kDollarDigits = 7;
 const char* const kFeeNames[SobLine::kFeeCount] = {
     "general practitioner", "assistant", "specialist", "anaesthetist", "non-anaesthetist"};
 
-bool allDigits(QStringView text) {
-    if (text.isEmpty()) {
-        return false;
-    }
-    for (const QChar c : text) {
-        if (c < QLatin1Char('0') || c > QLatin1Char('9')) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // "yyyymmdd" or "yymmdd"; a day of "00" is the first of the month. Two-digit years 00 to 29
 // are this century's, 30 to 99 the last one's (the window the old office computers used).
 QDate readDate(QStringView text) {
-    if (!allDigits(text)) {
+    if (!hn::allDigits(text)) {
         return {};
     }
     const bool shortYear = text.size() == 6;
@@ -39,7 +29,7 @@ QDate readDate(QStringView text) {
 }
 
 std::optional<Money> readFee(QStringView text) {
-    if (text.size() != kFeeWidth || !allDigits(text)) {
+    if (text.size() != kFeeWidth || !hn::allDigits(text)) {
         return std::nullopt;
     }
     const qint64 dollars = text.left(kDollarDigits).toLongLong();

@@ -25,7 +25,7 @@ bool isUpperLetter(QChar c) {
 }
 
 template <typename Pred>
-bool every(const QString& text, Pred pred) {
+bool every(QStringView text, Pred pred) {
     if (text.isEmpty()) {
         return false;
     }
@@ -71,15 +71,15 @@ QString fromTyped(const QString& typed) {
     return number;
 }
 
-bool allDigits(const QString& text) {
+bool allDigits(QStringView text) {
     return every(text, isAsciiDigit);
 }
 
-bool allLetters(const QString& text) {
+bool allLetters(QStringView text) {
     return every(text, isAsciiLetter);
 }
 
-bool allLettersOrDigits(const QString& text) {
+bool allLettersOrDigits(QStringView text) {
     return every(text, [](QChar c) { return isAsciiDigit(c) || isAsciiLetter(c); });
 }
 

@@ -17,9 +17,9 @@ namespace hn {
 QString fromTyped(const QString& typed);
 
 // Character classes; the empty text is never valid.
-bool allDigits(const QString& text);
-bool allLetters(const QString& text);  // A-Z and a-z only
-bool allLettersOrDigits(const QString& text);
+bool allDigits(QStringView text);
+bool allLetters(QStringView text);  // A-Z and a-z only
+bool allLettersOrDigits(QStringView text);
 
 // Kinds of the typed value check.
 enum class ValueKind { Digits = 0, Letters = 1, LettersOrDigits = 2, Date = 3 };
