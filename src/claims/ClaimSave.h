@@ -37,7 +37,9 @@ public:
 //  5. the receipt and invoice prints, as "RecPrint0/1" and "InvPrint0/1" say;
 //  6. "LastSLI" and "LastDoctor" remembered.
 // A refusal anywhere before step 4 writes nothing; a database failure in step 4 leaves the
-// old claim as it was and throws DbError.
+// old claim as it was and throws DbError. An edited claim that was put into a ministry batch
+// since it was opened is refused (saving it would bill it twice); one deleted meanwhile is
+// saved as a new claim, so the typing is not lost.
 class ClaimSave {
 public:
     ClaimSave(Database& db, Prompter& prompter, const Clock& clock, AppSettings& settings,
@@ -59,6 +61,8 @@ public:
     int markAsBilled(qint64 patientId, const QString& doctorId, const QDate& date);
 
 private:
+    void offerPrints(const ClaimRecord& claim);
+
     Database& m_db;
     Prompter& m_prompter;
     const Clock& m_clock;
