@@ -107,10 +107,10 @@ public:
 
     ThirdPartyRegister(Database& db, Prompter& prompter, const SqlLog& log);
 
-    // Whether the field must be filled before the payer is saved. Province and postal code
-    // are mandatory for a Canadian address only.
-    static bool mandatory(ThirdParty::Field field);
-    static bool mandatoryFor(const ThirdParty& entry, ThirdParty::Field field);
+    // Whether the field must be filled before this payer is saved: the name and what an
+    // invoice needs to reach it by mail (address and city; province and postal code too for
+    // a Canadian address, as other countries may have neither).
+    static bool mandatory(const ThirdParty& entry, ThirdParty::Field field);
 
     // Every payer, by name.
     QList<ThirdPartyListRow> list();
