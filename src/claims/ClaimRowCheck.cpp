@@ -1,5 +1,6 @@
 #include "claims/ClaimChecks.h"
 #include "claims/ClaimFieldForms.h"
+#include "claims/DirectCodes.h"
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
 #include "patients/HealthNumbers.h"
@@ -102,14 +103,9 @@ QString ClaimChecks::doctorSpecialty(const QString& doctorId) const {
 }
 
 bool ClaimChecks::inDirectList(const QString& code) const {
-    // The office's own price list: the code as typed, or the fee code of a schedule code
-    // billed directly.
-    const QString feeCode = claimform::isScheduleItemCode(code) ? code.left(4) : code;
-    return m_db.scalar(QStringLiteral("Select Count(*) From servicecodesdirect"
-                                      " Where Upper(Trim(ServiceCode)) In (?, ?)"),
-                       {code, feeCode},
-                       QStringLiteral("CheckRows: looking for the direct service code"))
-               .toInt() > 0;
+    return directcodes::find(m_db, code,
+                             QStringLiteral("CheckRows: looking for the direct service code"))
+        .has_value();
 }
 
 std::optional<ClaimChecks::CodeRules> ClaimChecks::scheduleRules(const QString& code) const {

@@ -27,8 +27,9 @@ class Database;
 // A quick code fills the code, the diagnostic code (when it has one), the number of services
 // and a fee percentage: `FeePercent` of 0 or NULL is 100; `NumServString` of digits is the
 // number of services, a weekday name ("SUNDAY", any case) limits the quick code to service
-// dates on that day (1 service; on another day the entry is left out with a note); empty
-// takes the `NumServ` column, else 1.
+// dates on that day (1 service; on another day, or on a row without a date, the entry is
+// left out with a note); anything else takes the `NumServ` column, else 1. Quick codes are
+// found without regard to case, before the typed entry is read as a fee code.
 // The fee shown is the fee of one service times the number of services, scaled by the
 // percentage, in the form "#,##0.00": from the schedule by the suffix rule for ministry
 // claims, from `servicecodesdirect` (as typed, or by the four-character fee code) for direct
@@ -38,9 +39,11 @@ public:
     struct Result {
         // The rows that replace the row typed in: the first takes its place, the others go
         // right after it. Each keeps the typed row's service date; the typed row's diagnostic
-        // code and number of services are kept unless a quick code gives its own.
+        // code and number of services are kept unless a quick code gives its own (an empty
+        // number of services becomes "1"). Never empty: when no entry is left (nothing typed,
+        // or a weekday quick code on another day), the typed row with code and fee cleared.
         QList<ItemEntry> rows;
-        // Lines for the status bar (an entry left out, a quick code not found...).
+        // Lines for the status bar: a weekday quick code left out, a code without a fee.
         QStringList notes;
     };
 
