@@ -21,6 +21,18 @@ ClaimEntryOptions ClaimEntryOptions::read(const SettingsStore& store) {
     return o;
 }
 
+void ClaimEntryOptions::save(SettingsStore& store) const {
+    const QString section = QStringLiteral("Options");
+    store.save(section, QStringLiteral("DefClaim"), defClaim);
+    store.save(section, QStringLiteral("DefaultClaimSuffix"), defaultClaimSuffix);
+    store.saveFlag(section, QStringLiteral("RecPrint0"), recPrint0);
+    store.saveFlag(section, QStringLiteral("RecPrint1"), recPrint1);
+    store.saveFlag(section, QStringLiteral("InvPrint0"), invPrint0);
+    store.saveFlag(section, QStringLiteral("InvPrint1"), invPrint1);
+    store.saveNumber(section, QStringLiteral("LCopies"), lCopies);
+    store.save(section, QStringLiteral("BagType"), bagType);
+}
+
 QChar ClaimEntryOptions::suffix() const {
     const QString s = defaultClaimSuffix.toUpper();
     if (s == QLatin1String("A") || s == QLatin1String("B") || s == QLatin1String("C")) {

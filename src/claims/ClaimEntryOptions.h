@@ -21,9 +21,13 @@ struct ClaimEntryOptions {
     QString bagType;
 
     static ClaimEntryOptions read(const SettingsStore& store);
+    // Writes the keys read above (the options screen's part).
+    void save(SettingsStore& store) const;
 
     // The suffix a four-character fee code gets: "A", "B" or "C".
     QChar suffix() const;
+
+    bool operator==(const ClaimEntryOptions&) const = default;
 };
 
 }  // namespace brimsett

@@ -1,6 +1,7 @@
 #include "screens/frmOptions.h"
 
 #include "foundation/OptionCaptions.h"
+#include "screens/ClaimOptionsPage.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -61,6 +62,8 @@ frmOptions::frmOptions(const AppSettings& settings, SettingsStore& store, Databa
     m_tabs->addTab(switchesPage(), QStringLiteral("Options"));
     m_tabs->addTab(labelsPage(), QStringLiteral("Labels"));
     m_tabs->addTab(printingPage(), QStringLiteral("Printing"));
+    m_claimPage = new ClaimOptionsPage(ClaimEntryOptions::read(m_store), this);
+    m_tabs->addTab(m_claimPage, QStringLiteral("Claims"));
     m_tabs->addTab(messagesPage(), QStringLiteral("Messages"));
     m_tabs->addTab(systemPage(), QStringLiteral("System"));
     layout->addWidget(m_tabs);
@@ -289,6 +292,7 @@ void frmOptions::accept() {
         }
         return;
     }
+    m_claimPage->options().save(m_store);
     m_saved = m_editor.settings();
     QDialog::accept();
 }

@@ -14,12 +14,13 @@ class QTabWidget;
 
 namespace brimsett {
 
+class ClaimOptionsPage;
 class Database;
 class Prompter;
 class SettingsStore;
 
-// The options screen: the numbered switches, label and printing choices, the printed
-// messages and the system settings. OK saves them all (and the next placer id) or, when a
+// The options screen: the numbered switches, label, printing and claim entry choices, the
+// printed messages and the system settings. OK saves them all (and the next placer id) or, when a
 // typed number is not one, says so and keeps the screen open with everything as typed.
 class frmOptions : public QDialog {
     Q_OBJECT
@@ -69,6 +70,7 @@ private:
     QLineEdit* m_dbPPath = nullptr;
     QLineEdit* m_track0 = nullptr;
     QComboBox* m_menuFont = nullptr;
+    ClaimOptionsPage* m_claimPage = nullptr;
 };
 
 }  // namespace brimsett

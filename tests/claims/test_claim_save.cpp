@@ -3,6 +3,7 @@
 #include "claims/ClaimSave.h"
 #include "claims/ClaimStore.h"
 #include "foundation/DbError.h"
+#include "foundation/SettingsStore.h"
 
 #include <QtTest>
 
@@ -229,6 +230,17 @@ private slots:
         QVERIFY(save(c, false, options, &prints));
         QCOMPARE(prints.printed, printed);
         QCOMPARE(f->prompter.unusedAnswers(), 0);
+    }
+
+    void optionsKeepTheirKeys() {
+        ClaimEntryOptions options;
+        QCOMPARE(ClaimEntryOptions::read(f->office.store()), options);
+        options = {"Direct", "B", false, true, true, false, 3, "Bag"};
+        options.save(f->office.store());
+        QCOMPARE(ClaimEntryOptions::read(f->office.store()), options);
+        QCOMPARE(options.suffix(), QChar('B'));
+        options.defaultClaimSuffix = "x";
+        QCOMPARE(options.suffix(), QChar('A'));
     }
 
     void resubmitsARejectedAccount() {
