@@ -201,12 +201,16 @@ ClaimRecord ClaimStore::replace(ClaimRecord claim) {
 
 void ClaimStore::write(const ClaimRecord& claim) {
     QStringList logLines;
-    {
-        Transaction tx(m_db, QStringLiteral("writing claim %1").arg(claim.claimId));
-        writeRows(claim, logLines);
-        tx.commit();
-    }
+    write(claim, logLines);
     writeLog(m_log, logLines);
+}
+
+void ClaimStore::write(const ClaimRecord& claim, QStringList& logLines) {
+    QStringList lines;
+    Transaction tx(m_db, QStringLiteral("writing claim %1").arg(claim.claimId));
+    writeRows(claim, lines);
+    tx.commit();
+    logLines << lines;
 }
 
 void ClaimStore::writeRows(const ClaimRecord& claim, QStringList& logLines) {
@@ -227,15 +231,21 @@ void ClaimStore::writeRows(const ClaimRecord& claim, QStringList& logLines) {
 }
 
 void ClaimStore::remove(qint64 claimId) {
-    const QString number = QString::number(claimId);
+    QStringList logLines;
+    remove(claimId, logLines);
+    writeLog(m_log, logLines);
+}
+
+void ClaimStore::remove(qint64 claimId, QStringList& logLines) {
     {
         Transaction tx(m_db, QStringLiteral("deleting claim %1").arg(claimId));
         m_db.exec(QStringLiteral("Delete From items Where ClaimID=?"), {claimId});
         m_db.exec(QStringLiteral("Delete From claims Where ClaimID=?"), {claimId});
         tx.commit();
     }
-    writeLog(m_log, {QStringLiteral("Delete From items Where ClaimID=") + number,
-                     QStringLiteral("Delete From claims Where ClaimID=") + number});
+    const QString number = QString::number(claimId);
+    logLines << QStringLiteral("Delete From items Where ClaimID=") + number
+             << QStringLiteral("Delete From claims Where ClaimID=") + number;
 }
 
 void ClaimStore::resubmit(qint64 claimId) {

@@ -45,6 +45,10 @@ public:
     void write(const ClaimRecord& claim);
     // Deletes the claim and its items.
     void remove(qint64 claimId);
+    // The same two inside the caller's transaction: the statements are appended to
+    // `logLines` for the caller to log after its own commit, never before it.
+    void write(const ClaimRecord& claim, QStringList& logLines);
+    void remove(qint64 claimId, QStringList& logLines);
 
     // Puts a claim back to pending: `BatchID` to pending and `DateCreated` today; every item
     // back to status 0 with `FeePaid` and `Errors` NULL. `AllBatches` keeps the earlier batch.
