@@ -22,7 +22,12 @@ const char* kUsage =
     "  hn guess NUMBER           the province the number most likely belongs to\n"
     "  patient show ID           print the patient's fields, one per line\n"
     "  import-sob FILE           update the fee schedule from the ministry's master file\n"
-    "  fee CODE SPECIALTY        the fee and units an item with that code would take\n";
+    "  fee CODE SPECIALTY        the fee and units an item with that code would take\n"
+    "  claim add --doctor ID --patient ID [--program PROG] ITEM...\n"
+    "                            save a claim (ITEM: CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE]) and\n"
+    "                            print its numbers; \"claim add\" alone lists its options\n"
+    "  claim show ID             print a claim and its items\n"
+    "  claim pending [DOCTOR]    print the pending items and their total\n";
 
 }  // namespace
 
@@ -61,6 +66,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("patient"), commandPatient},
         {QStringLiteral("import-sob"), commandImportSob},
         {QStringLiteral("fee"), commandFee},
+        {QStringLiteral("claim"), commandClaim},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);
