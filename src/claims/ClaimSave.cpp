@@ -110,8 +110,7 @@ std::optional<ClaimSave::Saved> ClaimSave::save(ClaimEntry& entry, bool versionC
                 }
             }
         }
-        // Written last: the store logs its own statements once its part is done.
-        claim = stored ? store.replace(claim) : store.insertNew(claim);
+        claim = stored ? store.replace(claim, logLines) : store.insertNew(claim, logLines);
         tx.commit();
     }
     for (const QString& line : logLines) {

@@ -153,49 +153,59 @@ QString ClaimStore::nextAccountNumber() {
 
 ClaimRecord ClaimStore::insertNew(ClaimRecord claim) {
     QStringList logLines;
-    {
-        Transaction tx(m_db, QStringLiteral("saving a new claim"));
-        claim.claimId = nextClaimId();
-        claim.acctNum = nextAccountNumber();
-        claim.batchId = batchIdForProgram(claim.payProg);
-        claim.dateCreated = m_clock.now();
-        freshItems(claim);
-        writeRows(claim, logLines);
-        tx.commit();
-    }
+    claim = insertNew(std::move(claim), logLines);
     writeLog(m_log, logLines);
+    return claim;
+}
+
+ClaimRecord ClaimStore::insertNew(ClaimRecord claim, QStringList& logLines) {
+    QStringList lines;
+    Transaction tx(m_db, QStringLiteral("saving a new claim"));
+    claim.claimId = nextClaimId();
+    claim.acctNum = nextAccountNumber();
+    claim.batchId = batchIdForProgram(claim.payProg);
+    claim.dateCreated = m_clock.now();
+    freshItems(claim);
+    writeRows(claim, lines);
+    tx.commit();
+    logLines << lines;
     return claim;
 }
 
 ClaimRecord ClaimStore::replace(ClaimRecord claim) {
     QStringList logLines;
-    {
-        Transaction tx(m_db, QStringLiteral("saving claim %1").arg(claim.claimId));
-        const std::optional<ClaimRecord> old = load(claim.claimId);
-        if (!old) {
-            throw DbError(QStringLiteral("saving claim %1").arg(claim.claimId), QString(),
-                          QStringLiteral("the claim is no longer in the database"));
-        }
-        // What the entry screen never shows stays with the claim: its earlier batches,
-        // invoices, split mark and the ministry's answers.
-        claim.acctNum = old->acctNum;
-        claim.splitFlag = old->splitFlag;
-        claim.invoiceNum = old->invoiceNum;
-        claim.mohClaim = old->mohClaim;
-        claim.allBatches = old->allBatches;
-        claim.ra = old->ra;
-        claim.batchId = batchIdForProgram(claim.payProg);
-        claim.dateCreated = m_clock.now();
-        freshItems(claim);
-        const QString number = QString::number(claim.claimId);
-        m_db.exec(QStringLiteral("Delete From items Where ClaimID=?"), {claim.claimId});
-        m_db.exec(QStringLiteral("Delete From claims Where ClaimID=?"), {claim.claimId});
-        logLines << QStringLiteral("Delete From items Where ClaimID=") + number
-                 << QStringLiteral("Delete From claims Where ClaimID=") + number;
-        writeRows(claim, logLines);
-        tx.commit();
-    }
+    claim = replace(std::move(claim), logLines);
     writeLog(m_log, logLines);
+    return claim;
+}
+
+ClaimRecord ClaimStore::replace(ClaimRecord claim, QStringList& logLines) {
+    QStringList lines;
+    Transaction tx(m_db, QStringLiteral("saving claim %1").arg(claim.claimId));
+    const std::optional<ClaimRecord> old = load(claim.claimId);
+    if (!old) {
+        throw DbError(QStringLiteral("saving claim %1").arg(claim.claimId), QString(),
+                      QStringLiteral("the claim is no longer in the database"));
+    }
+    // What the entry screen never shows stays with the claim: its earlier batches,
+    // invoices, split mark and the ministry's answers.
+    claim.acctNum = old->acctNum;
+    claim.splitFlag = old->splitFlag;
+    claim.invoiceNum = old->invoiceNum;
+    claim.mohClaim = old->mohClaim;
+    claim.allBatches = old->allBatches;
+    claim.ra = old->ra;
+    claim.batchId = batchIdForProgram(claim.payProg);
+    claim.dateCreated = m_clock.now();
+    freshItems(claim);
+    const QString number = QString::number(claim.claimId);
+    m_db.exec(QStringLiteral("Delete From items Where ClaimID=?"), {claim.claimId});
+    m_db.exec(QStringLiteral("Delete From claims Where ClaimID=?"), {claim.claimId});
+    lines << QStringLiteral("Delete From items Where ClaimID=") + number
+          << QStringLiteral("Delete From claims Where ClaimID=") + number;
+    writeRows(claim, lines);
+    tx.commit();
+    logLines << lines;
     return claim;
 }
 

@@ -45,8 +45,10 @@ public:
     void write(const ClaimRecord& claim);
     // Deletes the claim and its items.
     void remove(qint64 claimId);
-    // The same two inside the caller's transaction: the statements are appended to
-    // `logLines` for the caller to log after its own commit, never before it.
+    // The same inside the caller's transaction: the statements are appended to `logLines`
+    // for the caller to log after its own commit, never before it.
+    ClaimRecord insertNew(ClaimRecord claim, QStringList& logLines);
+    ClaimRecord replace(ClaimRecord claim, QStringList& logLines);
     void write(const ClaimRecord& claim, QStringList& logLines);
     void remove(qint64 claimId, QStringList& logLines);
 
