@@ -5,6 +5,7 @@
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
+#include "screens/ThirdPartyScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmLogin.h"
 #include "screens/frmOptions.h"
@@ -125,6 +126,7 @@ void AppShell::registerScreens() {
                             m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());
+    registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
 }
 
 void AppShell::openOptions() {

@@ -5,6 +5,7 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Money.h"
 #include "screens/CodeEditors.h"
+#include "screens/ThirdPartyScreens.h"
 #include "screens/frmManageCodes.h"
 #include "screens/frmOHIPCodes.h"
 
@@ -19,12 +20,18 @@ namespace {
 
 constexpr int kActionManageCodes = 12;
 
+// The list's last entry, after the code tables: the payers of third party claims, whose
+// window is the registry's.
+const QString kThirdPartyTitle = QStringLiteral("Third Party Payers");
+
 // Opens the list and each editor once, and brings them forward when asked again.
 class CodeScreenOpener : public QObject {
 public:
     CodeScreenOpener(Database& db, const AppSettings& settings, const SqlLog& log,
-                     Prompter& prompter, const MoneyFormat& money, QWidget* parent)
+                     Prompter& prompter, const MoneyFormat& money, const ActionRegistry& registry,
+                     QWidget* parent)
         : QObject(parent),
+          m_registry(registry),
           m_db(db),
           m_log(log),
           m_prompter(prompter),
@@ -62,6 +69,7 @@ public:
             for (const Editor& e : std::as_const(m_editors)) {
                 titles << e.title;
             }
+            titles << kThirdPartyTitle;
             m_list = new frmManageCodes(titles, m_parent);
             m_list->setAttribute(Qt::WA_DeleteOnClose);
             connect(m_list, &frmManageCodes::chosen, this, &CodeScreenOpener::showEditor);
@@ -70,6 +78,10 @@ public:
     }
 
     void showEditor(int index) {
+        if (index == m_editors.size()) {
+            m_registry.runAction(kActionThirdParty);
+            return;
+        }
         Editor& editor = m_editors[index];
         if (!editor.window) {
             editor.window = editor.make();
@@ -95,6 +107,7 @@ private:
         window->activateWindow();
     }
 
+    const ActionRegistry& m_registry;
     Database& m_db;
     const SqlLog& m_log;
     Prompter& m_prompter;
@@ -110,7 +123,7 @@ private:
 void registerCodeScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
                          const SqlLog& log, Prompter& prompter, const MoneyFormat& money,
                          const AccessLevels& access, QWidget* parent) {
-    auto* opener = new CodeScreenOpener(db, settings, log, prompter, money, parent);
+    auto* opener = new CodeScreenOpener(db, settings, log, prompter, money, registry, parent);
     registry.setAction(kActionManageCodes, QStringLiteral("Manage Codes"),
                        [opener, &access, &prompter] {
                            if (access.require(AccessLevels::kBillingSecretary, prompter)) {

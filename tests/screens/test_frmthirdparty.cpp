@@ -1,11 +1,15 @@
 #include "OfficeFixture.h"
 
+#include "foundation/AccessLevels.h"
 #include "foundation/ActionRegistry.h"
+#include "foundation/Money.h"
+#include "screens/CodeScreens.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/frmThirdParty.h"
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QSignalSpy>
 #include <QTreeWidget>
 #include <QtTest>
@@ -93,6 +97,20 @@ private slots:
         QCOMPARE(office.prompter.last().text(), QStringLiteral("Save changes?"));
         QTRY_VERIFY(!office.screen());
         QCOMPARE(changed.size(), 1);
+    }
+
+    void lastOnTheManageCodesList() {
+        Office office;
+        AccessLevels access(office.office.store());
+        registerCodeScreens(office.registry, *office.db, office.settings, office.log,
+                            office.prompter, MoneyFormat{}, access, &office.main);
+        office.registry.runAction(12);
+        auto* list = office.main.findChild<QListWidget*>();
+        QVERIFY(list);
+        list->setCurrentRow(list->count() - 1);
+        QCOMPARE(list->currentItem()->text(), QStringLiteral("Third Party Payers"));
+        QTest::keyClick(list, Qt::Key_Return);
+        QVERIFY(office.screen() && office.screen()->isVisible());
     }
 };
 
