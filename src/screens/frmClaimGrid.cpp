@@ -87,8 +87,8 @@ frmClaimGrid::frmClaimGrid(ServiceCodeCell& cells, Pricing pricing, const AppSet
                                QStringLiteral("# Serv."), QStringLiteral("Fee"),
                                QStringLiteral("Service Date")});
     setItemDelegate(new ClaimCellDelegate(this));
-    setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::DoubleClicked |
-                    QAbstractItemView::EditKeyPressed);
+    // Typing or a double-click edits; F2 is left to the main menu's keys.
+    setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::DoubleClicked);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setWordWrap(false);
     // Row numbers stay visible: the checks name rows by them.
@@ -103,13 +103,14 @@ void frmClaimGrid::sizeColumns() {
     const QFontMetrics cells(font());
     const QFontMetrics heads(horizontalHeader()->font());
     static const int chars[kColumns] = {12, 6, 4, 10, 11};
+    int widest = 0;
     for (int c = 0; c < kColumns; ++c) {
-        const QString caption = horizontalHeaderItem(c)->text();
-        setColumnWidth(c, std::max(cells.horizontalAdvance(QString(chars[c], QLatin1Char('0'))),
-                                   heads.horizontalAdvance(caption)) +
-                              20);
+        widest = std::max({widest, cells.horizontalAdvance(QString(chars[c], QLatin1Char('0'))),
+                           heads.horizontalAdvance(horizontalHeaderItem(c)->text())});
     }
-    horizontalHeader()->setStretchLastSection(true);
+    // The columns share the window's width, none narrower than the widest needs.
+    horizontalHeader()->setMinimumSectionSize(widest + 20);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 }
 
 ItemEntry frmClaimGrid::rowAt(int row) const {

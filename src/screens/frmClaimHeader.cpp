@@ -60,6 +60,9 @@ public:
         m_grid->addWidget(caption, m_row, m_column * 2);
         m_grid->addWidget(field, m_row, m_column * 2 + 1, 1, span * 2 - 1);
         m_column += span;
+        // Rows stay together at the top when the box beside is taller.
+        m_grid->setRowStretch(m_row, 0);
+        m_grid->setRowStretch(m_row + 1, 1);
     }
 
 private:
@@ -199,7 +202,7 @@ void frmClaim::orderTabs() {
             chain << m_program << m_payer;
         }
     }
-    chain << m_sli << m_manualReview << m_grid << m_pending;
+    chain << m_sli << m_manualReview << m_grid;
     for (int i = 1; i < chain.size(); ++i) {
         QWidget::setTabOrder(chain.at(i - 1), chain.at(i));
     }

@@ -54,8 +54,9 @@ frmClaimPending::frmClaimPending(Database& db, AppSettings& settings, Prompter& 
     auto* orderLabel = new QLabel(QStringLiteral("&Order by:"));
     orderLabel->setBuddy(m_order);
 
+    // Made without a parent so that Tab reaches it after the boxes above it.
     m_list =
-        recordlist::make(this,
+        recordlist::make(nullptr,
                          {QStringLiteral("Doc"), QStringLiteral("Account"), QStringLiteral("ID"),
                           QStringLiteral("Patient"), QStringLiteral("ChargeTo"),
                           QStringLiteral("Service"), QStringLiteral("Diag"), QStringLiteral("NS"),
