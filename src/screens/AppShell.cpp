@@ -2,6 +2,7 @@
 
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
+#include "screens/ClaimScreens.h"
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
@@ -127,6 +128,8 @@ void AppShell::registerScreens() {
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());
     registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
+    registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter, m_clock,
+                        m_sqlLog, m_session.money, m_main.get());
 }
 
 void AppShell::openOptions() {
