@@ -12,8 +12,6 @@
 #include "ministry/ThirdPartyRegister.h"
 #include "patients/HealthNumbers.h"
 #include "patients/ProviderRegister.h"
-#include "screens/EnterMovesOn.h"
-#include "screens/RecordList.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/frmClaimGrid.h"
 #include "screens/frmClaimPending.h"
@@ -21,9 +19,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -31,7 +26,6 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace brimsett {

@@ -9,7 +9,6 @@
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
 #include "screens/frmClaimGrid.h"
-#include "screens/frmClaimPending.h"
 
 #include <QCheckBox>
 #include <QComboBox>
