@@ -78,6 +78,16 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
     connect(m_pending, &frmClaimPending::note, this, &frmClaim::setStatus);
     connect(m_pending, &frmClaimPending::openRequested, this, &frmClaim::openClaim);
     connect(m_pending, &frmClaimPending::claimDeleted, this, &frmClaim::claimDeleted);
+    m_pending->setLeaveOpenClaim([this] {
+        if (!m_base.claimId) {
+            return true;
+        }
+        if (!mayLeaveCurrent()) {
+            return false;
+        }
+        startNew();
+        return true;
+    });
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
             &QWidget::close);
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,

@@ -188,7 +188,7 @@ void frmClaimPending::deleteChosen() {
 
 void frmClaimPending::splitChosen() {
     const std::optional<qint64> claim = chosenClaim();
-    if (!claim) {
+    if (!claim || !m_leaveOpenClaim()) {
         return;
     }
     try {
@@ -208,6 +208,9 @@ void frmClaimPending::splitChosen() {
 }
 
 void frmClaimPending::reverseSplits() {
+    if (!m_leaveOpenClaim()) {
+        return;
+    }
     try {
         if (const auto reversal = ClaimSplit(m_db, m_log).reverseAll(m_prompter)) {
             QString text =

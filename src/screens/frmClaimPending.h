@@ -6,6 +6,7 @@
 
 #include <QGroupBox>
 
+#include <functional>
 #include <optional>
 
 class QComboBox;
@@ -26,6 +27,9 @@ public:
                     const SqlLog& log, MoneyFormat money, QWidget* parent = nullptr);
 
     void setProviders(const QList<Provider>& providers);
+    // Asked before claims are split or joined again: the claim open for editing must leave
+    // the screen first, or saving it would put back items that moved. False stops the action.
+    void setLeaveOpenClaim(std::function<bool()> leave) { m_leaveOpenClaim = std::move(leave); }
     // Reads the list again, keeping the chosen claim chosen when it is still there.
     void reload();
     QTreeWidget* list() const { return m_list; }
@@ -60,6 +64,7 @@ private:
     QComboBox* m_order = nullptr;
     QTreeWidget* m_list = nullptr;
     QLabel* m_total = nullptr;
+    std::function<bool()> m_leaveOpenClaim = [] { return true; };
 };
 
 }  // namespace brimsett

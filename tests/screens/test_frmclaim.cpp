@@ -1,5 +1,6 @@
 #include "OfficeFixture.h"
 
+#include "claims/ClaimStore.h"
 #include "foundation/ActionRegistry.h"
 #include "screens/ClaimScreens.h"
 #include "screens/frmClaim.h"
@@ -209,6 +210,33 @@ private slots:
         QCOMPARE(desk.rows("Select ClaimID, AcctNum From claims"), L{"10000000|00000001"});
         QCOMPARE(desk.rows("Select ItemID, NumServ, FeeSubm From items Order By ItemID"),
                  L({"1|3|1011000", "2|2|500000"}));
+    }
+
+    // Splitting the claim open on the screen takes it off the screen first, so that saving
+    // cannot put back the items that moved; Cancel on its edits stops the split.
+    void splitClearsTheOpenClaim() {
+        Desk desk;
+        desk.open();
+        ClaimRecord claim;
+        claim.doctorId = "JS";
+        claim.payProg = "HCP - P";
+        claim.patientId = 1;
+        claim.items = {{}, {}};
+        claim.items[0].serviceCode = "A007A";
+        claim.items[1].serviceCode = "A007B";
+        ClaimStore(*desk.db, desk.clock, desk.log).insertNew(claim);
+        desk.window->pending()->reload();
+        QVERIFY(desk.window->openClaim(10000000));
+        desk.window->grid()->item(0, frmClaimGrid::Diag)->setText("401");
+        desk.prompter.script({Answer::Cancel});
+        desk.window->pending()->splitChosen();
+        QCOMPARE(desk.rows("Select Count(*) From claims"), L{"1"});
+        desk.prompter.script({Answer::No});
+        desk.window->pending()->splitChosen();
+        QCOMPARE(desk.rows("Select ClaimID From claims Order By ClaimID"),
+                 L({"10000000", "70000000"}));
+        QVERIFY(desk.grid().isEmpty());
+        QCOMPARE(desk.window->windowTitle(), QString("Claims"));
     }
 };
 
