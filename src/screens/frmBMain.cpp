@@ -4,6 +4,7 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Prompter.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -121,6 +122,8 @@ frmBMain::frmBMain(const QList<MenuEntry>& entries, const AppSettings& settings,
 
     applySettings(settings);
     buildShortcuts();
+    // The menu's F-keys work from every window of the program, as the office is used to.
+    qApp->installEventFilter(this);
     showSubMenu(MenuModel::kMainMenu);
     resize(760, 600);
 }
@@ -336,7 +339,35 @@ void frmBMain::moveFocus(int step) {
     m_buttons[next]->setFocus(Qt::TabFocusReason);
 }
 
+bool frmBMain::keyFromOtherWindow(QWidget* target, const QKeyEvent* key) {
+    // Only the F-keys reach across windows: letters and their combinations belong to the
+    // field being typed in. A dialog waiting for an answer keeps them too, and the menu's own
+    // window has its shortcuts. A window's own shortcut on a key has already taken it.
+    if (key->key() < Qt::Key_F1 || key->key() > Qt::Key_F24 || target->window() == this ||
+        QApplication::activeModalWidget() != nullptr) {
+        return false;
+    }
+    const Qt::KeyboardModifiers mods = key->modifiers();
+    const int modifiers = (mods & Qt::ShiftModifier ? MenuModel::kShift : 0) |
+                          (mods & Qt::ControlModifier ? MenuModel::kCtrl : 0) |
+                          (mods & Qt::AltModifier ? MenuModel::kAlt : 0);
+    const auto entry = m_model.entryForKey(modifiers, 112 + (key->key() - Qt::Key_F1));
+    if (!entry) {
+        return false;
+    }
+    const MenuModel::Step step = MenuModel::stepFor(*entry, m_current);
+    if (step.kind != MenuModel::Step::Kind::RunAction || !m_actions.hasAction(step.value)) {
+        return false;
+    }
+    m_actions.runAction(step.value);
+    return true;
+}
+
 bool frmBMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && watched->isWidgetType() &&
+        keyFromOtherWindow(static_cast<QWidget*>(watched), static_cast<QKeyEvent*>(event))) {
+        return true;
+    }
     auto* button = qobject_cast<QPushButton*>(watched);
     const int index = button ? static_cast<int>(m_buttons.indexOf(button)) : -1;
     if (index < 0) {

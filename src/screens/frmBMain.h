@@ -7,6 +7,7 @@
 #include <QList>
 #include <QMainWindow>
 
+class QKeyEvent;
 class QLabel;
 class QPushButton;
 class QShortcut;
@@ -53,6 +54,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // A menu F-key pressed in another window of the program runs its entry's action.
+    bool keyFromOtherWindow(QWidget* target, const QKeyEvent* key);
     void buildShortcuts();
     void rebuildAccessShortcuts();
     void moveFocus(int step);

@@ -7,6 +7,7 @@
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -116,6 +117,40 @@ private slots:
                      QStringList{"This part of Brimsett is not available yet."});
         }
         QVERIFY(office.window->isVisible());
+    }
+
+    // Another window of the program: its own shortcut keeps its key, a registered F-key runs
+    // its action, and everything else (a missing action, a letter) stays with the field.
+    void fKeysFromAnotherWindow_data() {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<QList<int>>("ran");
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("F4 patients") << int(Qt::Key_F4) << 0 << QList<int>{2} << "";
+        QTest::newRow("Ctrl+Alt+F4 import")
+            << int(Qt::Key_F4) << int(Qt::ControlModifier | Qt::AltModifier) << QList<int>{33}
+            << "";
+        QTest::newRow("own F3") << int(Qt::Key_F3) << 0 << QList<int>{} << "own";
+        QTest::newRow("F5 missing") << int(Qt::Key_F5) << 0 << QList<int>{} << "";
+        QTest::newRow("letter") << int(Qt::Key_C) << 0 << QList<int>{} << "c";
+    }
+    void fKeysFromAnotherWindow() {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(QList<int>, ran);
+        QFETCH(QString, typed);
+        Office office({3});
+        QVERIFY(office.ready());
+        QLineEdit other;
+        auto* own = new QShortcut(QKeySequence(Qt::Key_F3), &other);
+        connect(own, &QShortcut::activated, &other, [&other] { other.setText("own"); });
+        other.show();
+        QApplication::setActiveWindow(&other);
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QTest::keyClick(&other, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QCOMPARE(office.ran, ran);
+        QCOMPARE(other.text(), typed);
+        QVERIFY(office.prompter.messages().isEmpty());
     }
 
     void printMenuBackAndExit_data() {
