@@ -129,7 +129,8 @@ std::vector<TableDefinition> claimTables() {
          // Remittance and error reports find claims by account number; batch preparation and
          // the pending list by batch; duplicate checks by patient; payer deletion by payer.
          {"AcctNum", "BatchID", "PatientID", "ThirdPartyID"}},
-        // A split part keeps its items' ItemID, so moving them back by ClaimID cannot collide.
+        // A split part keeps its items' ItemID, so moving them back by ClaimID does not collide
+        // unless the claim was edited since (its items renumbered), when the move renumbers.
         {"Items",
          "ClaimID Long NOT NULL, ItemID Long NOT NULL, ServiceCode Text(5), DiagCode Text(4),"
          " NumServ Integer, FeeSubm Currency, ServiceDate DateTime, FeePaid Currency,"
