@@ -159,6 +159,7 @@ ServiceCodeCell::Result ServiceCodeCell::normalise(const QString& typed, const I
                                 quotedInMessage(out.serviceCode) + QLatin1Char('.');
         }
         result.rows << out;
+        result.percents << percent;
     }
     if (result.rows.isEmpty()) {
         // Nothing left to bill on this row: the code goes, the rest stays as typed.
@@ -166,6 +167,7 @@ ServiceCodeCell::Result ServiceCodeCell::normalise(const QString& typed, const I
         out.serviceCode.clear();
         out.fee.clear();
         result.rows << out;
+        result.percents << 100;
     }
     return result;
 }

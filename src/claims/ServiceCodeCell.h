@@ -43,6 +43,9 @@ public:
         // number of services becomes "1"). Never empty: when no entry is left (nothing typed,
         // or a weekday quick code on another day), the typed row with code and fee cleared.
         QList<ItemEntry> rows;
+        // The fee percentage of each row (its quick code's; 100 otherwise), for pricing the
+        // row again when its number of services changes.
+        QList<int> percents;
         // Lines for the status bar: a weekday quick code left out, a code without a fee.
         QStringList notes;
     };

@@ -17,6 +17,8 @@ namespace brimsett {
 namespace {
 
 constexpr int kMinimumRows = 8;
+// Where a row's service code cell keeps the fee percentage its quick code gave.
+constexpr int kPercentRole = Qt::UserRole + 1;
 constexpr int kSpareRows = 3;
 
 bool isEnter(const QKeyEvent* key) {
@@ -255,6 +257,7 @@ void frmClaimGrid::codeTyped(int row) {
             m_filling = wasFilling;
         }
         putRow(row + i, result.rows.at(i));
+        item(row + i, Code)->setData(kPercentRole, result.percents.value(i, 100));
     }
     for (const QString& line : result.notes) {
         emit note(line);
@@ -268,8 +271,10 @@ void frmClaimGrid::numServTyped(int row) {
     if (!ok || count <= 0 || typed.serviceCode.trimmed().isEmpty()) {
         return;
     }
-    const std::optional<Money> fee = m_cells.feeFor(
-        typed.serviceCode.trimmed(), m_pricing.claimType(), m_pricing.specialty(), count);
+    const QVariant percent = item(row, Code)->data(kPercentRole);
+    const std::optional<Money> fee =
+        m_cells.feeFor(typed.serviceCode.trimmed(), m_pricing.claimType(), m_pricing.specialty(),
+                       count, percent.isValid() ? percent.toInt() : 100);
     if (fee) {
         setCell(row, Fee, fee->format(m_money));
     }

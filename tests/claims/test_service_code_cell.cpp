@@ -31,7 +31,8 @@ private slots:
         QTest::addColumn<QString>("type");  // claim type, then the provider's specialty
         QTest::addColumn<QString>("suffix");
         QTest::addColumn<QString>("date");
-        QTest::addColumn<QStringList>("rows");  // "code|diag|services|fee", then the notes
+        // "code|diag|services|fee" (and "|percent%" when not 100), then the notes
+        QTest::addColumn<QStringList>("rows");
         using L = QStringList;
         const char* sunday = "2026/11/22";
         test::row("letter and digit", "a7", "H 00", "", sunday, L{"A007A|799|1|33.70"});
@@ -45,7 +46,7 @@ private slots:
         test::row("unknown code", "b99", "H 00", "", sunday,
                   L{"B099A|799|1|", "No fee was found for service code 'B099A'."});
         test::row("quick code at half, 2 services", "half", "H 00", "", sunday,
-                  L{"A007A|799|2|33.70"});
+                  L{"A007A|799|2|33.70|50%"});
         test::row("quick code's NumServ", "nsc", "H 00", "", sunday, L{"A007A|799|3|101.10"});
         test::row("weekday quick code on its day", "sun", "H 00", "B", sunday,
                   L{"A007B|799|1|12.00"});
@@ -66,9 +67,14 @@ private slots:
         const ServiceCodeCell::Result result =
             cell.normalise(typed, typedRow, type.at(0), type.mid(2));
         QStringList got;
-        for (const ItemEntry& row : result.rows) {
+        QCOMPARE(result.percents.size(), result.rows.size());
+        for (int i = 0; i < result.rows.size(); ++i) {
+            const ItemEntry& row = result.rows.at(i);
             QCOMPARE(row.serviceDate, date);
-            got << QStringList{row.serviceCode, row.diagCode, row.numServ, row.fee}.join('|');
+            got << QStringList{row.serviceCode, row.diagCode, row.numServ, row.fee}.join('|') +
+                       (result.percents.at(i) != 100
+                            ? QStringLiteral("|%1%").arg(result.percents.at(i))
+                            : QString());
         }
         QCOMPARE(got + result.notes, rows);
     }
