@@ -1,3 +1,4 @@
+#include "ClaimSamples.h"
 #include "OfficeFixture.h"
 #include "claims/ClaimChecks.h"
 
@@ -7,24 +8,6 @@ using namespace brimsett;
 using L = QStringList;
 
 namespace {
-
-// A claim that passes every check on 2026/11/22: patient 1, provider JS (general practice),
-// one A007A item two days ago.
-ClaimEntry validClaim() {
-    ClaimEntry c;
-    c.doctorId = "JS";
-    c.patientId = "1";
-    c.healthNum = "1234567897";
-    c.versionCode = "AB";
-    c.fName = "Mary";
-    c.lName = "Smith";
-    c.dob = "1980/05/17";
-    c.sex = "F";
-    c.province = "ON";
-    c.payProg = "HCP - P";
-    c.rows = {{"A007A", "401", "1", "33.70", "2026/11/20"}};
-    return c;
-}
 
 // "field=value" changes to the valid claim; "row.x=" fields change its first item.
 ClaimEntry changed(const QStringList& changes) {
@@ -49,7 +32,7 @@ ClaimEntry changed(const QStringList& changes) {
         {"row.ns", &ItemEntry::numServ},
         {"row.fee", &ItemEntry::fee},
         {"row.date", &ItemEntry::serviceDate}};
-    ClaimEntry c = validClaim();
+    ClaimEntry c = test::ontarioClaim();
     for (const QString& change : changes) {
         const QString name = change.section('=', 0, 0);
         const QString value = change.section('=', 1);
@@ -290,7 +273,7 @@ private slots:
     }
 
     void checkExpired() {
-        QVERIFY(checks.CheckExpired(validClaim()));  // card valid until 2030
+        QVERIFY(checks.CheckExpired(test::ontarioClaim()));  // card valid until 2030
         QVERIFY(f.prompter.messages().isEmpty());
         f.prompter.script({Answer::No, Answer::Yes});
         const ClaimEntry expired = changed({"patientId=2"});

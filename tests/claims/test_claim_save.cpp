@@ -1,3 +1,4 @@
+#include "ClaimSamples.h"
 #include "OfficeFixture.h"
 #include "claims/ClaimResubmit.h"
 #include "claims/ClaimSave.h"
@@ -12,22 +13,12 @@ using L = QStringList;
 
 namespace {
 
-// A claim for patient 1 by provider JS that passes every check on 2026/11/22.
+// The valid claim with a service location, an empty row and a second item.
 ClaimEntry ontarioClaim() {
-    ClaimEntry c;
-    c.doctorId = "JS";
-    c.patientId = "1";
-    c.healthNum = "1234567897";
-    c.versionCode = "AB";
-    c.fName = "Mary";
-    c.lName = "Smith";
-    c.dob = "1980/05/17";
-    c.sex = "F";
-    c.province = "ON";
+    ClaimEntry c = test::ontarioClaim();
+    c.payProg.clear();  // "DefClaim" chooses
     c.sli = "OFF";
-    c.rows = {{"A007A", "401", "1", "33.70", "2026/11/20"},
-              {},
-              {"A001A", "401", "2", "50.00", "2026/11/21"}};
+    c.rows << ItemEntry{} << ItemEntry{"A001A", "401", "2", "50.00", "2026/11/21"};
     return c;
 }
 
