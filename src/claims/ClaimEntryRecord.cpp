@@ -1,16 +1,9 @@
 #include "claims/ClaimEntryRecord.h"
 
+#include "foundation/DateText.h"
 #include "patients/PatientEntry.h"
 
 namespace brimsett::claimentry {
-
-namespace {
-
-QString dateText(const QDate& date) {
-    return date.isValid() ? date.toString(QStringLiteral("yyyy/MM/dd")) : QString();
-}
-
-}  // namespace
 
 ClaimRecord toRecord(const ClaimEntry& entry, const MoneyFormat& money) {
     ClaimRecord c;
@@ -65,14 +58,14 @@ ClaimEntry fromRecord(const ClaimRecord& claim, const MoneyFormat& money) {
     e.versionCode = claim.versionCode;
     e.fName = claim.fName;
     e.lName = claim.lName;
-    e.dob = dateText(claim.dob);
+    e.dob = datetext::slashed(claim.dob);
     e.sex = claim.sex;
     e.province = claim.province;
     e.payProg = claim.payProg;
     e.thirdPartyId = claim.thirdPartyId ? QString::number(*claim.thirdPartyId) : QString();
     e.refDoc = claim.refDoc;
     e.facilityNum = claim.facilityNum;
-    e.admitDate = dateText(claim.admitDate);
+    e.admitDate = datetext::slashed(claim.admitDate);
     e.refLab = claim.refLab;
     e.regNum = claim.regNum;
     e.sli = claim.sli;
@@ -84,7 +77,7 @@ ClaimEntry fromRecord(const ClaimRecord& claim, const MoneyFormat& money) {
         row.diagCode = item.diagCode;
         row.numServ = QString::number(item.numServ);
         row.fee = item.feeSubm ? item.feeSubm->format(money) : QString();
-        row.serviceDate = dateText(item.serviceDate);
+        row.serviceDate = datetext::slashed(item.serviceDate);
         e.rows << row;
     }
     return e;

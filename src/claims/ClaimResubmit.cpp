@@ -31,7 +31,8 @@ int ClaimResubmit::resubmitAccount(const QString& typedAccount) {
     }
     const QString account = QStringLiteral("%1").arg(number, 8, 10, QLatin1Char('0'));
     QSqlQuery q = m_db.exec(
-        QStringLiteral("Select C.ClaimID, C.BatchID, C.FName, C.LName, Max(I.Status=?) As Rejected"
+        QStringLiteral("Select C.ClaimID, C.BatchID, C.FName, C.LName, Max(Case When I.Status=? "
+                       "Then 1 Else 0 End) As Rejected"
                        " From claims C Left Join items I On I.ClaimID=C.ClaimID"
                        " Where C.AcctNum=? Group By C.ClaimID, C.BatchID, C.FName, C.LName"
                        " Order By C.ClaimID"),

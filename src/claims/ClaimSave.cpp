@@ -8,6 +8,7 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Clock.h"
 #include "foundation/Database.h"
+#include "foundation/DateText.h"
 #include "foundation/Prompter.h"
 #include "foundation/SqlLog.h"
 #include "foundation/SqlText.h"
@@ -105,8 +106,7 @@ std::optional<ClaimSave::Saved> ClaimSave::save(ClaimEntry& entry, bool versionC
                                     .arg(kBilledStatus)
                                     .arg(claim.patientId)
                                     .arg(sqltext::quoteValue(claim.doctorId),
-                                         sqltext::quoteValue(item.serviceDate.toString(
-                                             QStringLiteral("yyyy-MM-dd"))));
+                                         sqltext::quoteValue(datetext::isoDate(item.serviceDate)));
                 }
             }
         }
@@ -161,7 +161,7 @@ int ClaimSave::markAsBilled(qint64 patientId, const QString& doctorId, const QDa
     QSqlQuery q = m_db.exec(
         QStringLiteral("Update appointments Set Status=? Where PatientID=? And DoctorID=? And "
                        "date(AppDate)=? And (Deleted Is Null Or Deleted=0)"),
-        {kBilledStatus, patientId, doctorId, date.toString(QStringLiteral("yyyy-MM-dd"))},
+        {kBilledStatus, patientId, doctorId, datetext::isoDate(date)},
         QStringLiteral("marking the visit billed"));
     return q.numRowsAffected();
 }

@@ -4,6 +4,7 @@
 #include "claims/PendingClaims.h"
 #include "claims/ServiceCodeCell.h"
 #include "cli/CliSession.h"
+#include "foundation/DateText.h"
 #include "foundation/SqlLog.h"
 #include "patients/PatientRegister.h"
 #include "patients/ProviderRegister.h"
@@ -16,10 +17,6 @@ const QString kAddUsage = QStringLiteral(
     "usage: claim add --doctor ID --patient ID [--program PROG] [--third-party ID] [--sli SLI]"
     " [--refdoc N] [--facility N] [--admit YYYY/MM/DD] [--reflab N] [--regnum N]"
     " [--version VC] ITEM...   (ITEM: CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE])");
-
-QString dateText(const QDate& date) {
-    return date.isValid() ? date.toString(QStringLiteral("yyyy/MM/dd")) : QString();
-}
 
 // "--name value" options before the items; false (and the reason) for anything else.
 bool readOptions(QStringList& args, QMap<QString, QString>& options, QString& problem) {
@@ -149,16 +146,16 @@ int showClaim(CliSession& session, const QStringList& args) {
     }
     out << "\nPatient: " << c.patientId << " " << c.lName << ", " << c.fName
         << "\nHealth Number: " << c.healthNum << " " << c.versionCode << " (" << c.province
-        << ")\nBirth Date: " << dateText(c.dob) << "  Sex: " << c.sex
+        << ")\nBirth Date: " << datetext::slashed(c.dob) << "  Sex: " << c.sex
         << "\nRef. Doctor: " << c.refDoc << "  Facility: " << c.facilityNum
-        << "  Admitted: " << dateText(c.admitDate) << "\nRef. Lab: " << c.refLab
+        << "  Admitted: " << datetext::slashed(c.admitDate) << "\nRef. Lab: " << c.refLab
         << "  Reg. Number: " << c.regNum << "  SLI: " << c.sli
         << "\nManual Review: " << (c.manualReview ? "Yes" : "No")
         << "\nCreated: " << c.dateCreated.toString(QStringLiteral("yyyy/MM/dd HH:mm")) << "\n";
     for (const ItemRecord& i : c.items) {
         out << "Item " << i.itemId << ": " << i.serviceCode << " " << i.diagCode << " x"
             << i.numServ << " " << (i.feeSubm ? i.feeSubm->format(opened->money) : "-") << " "
-            << dateText(i.serviceDate) << " " << itemStatusName(c.batchId, i.status);
+            << datetext::slashed(i.serviceDate) << " " << itemStatusName(c.batchId, i.status);
         if (i.feePaid) {
             out << " paid " << i.feePaid->format(opened->money);
         }
@@ -184,7 +181,7 @@ int listPending(CliSession& session, const QStringList& args) {
         session.out() << l.account << "\t" << l.doc << "\t" << l.patientId << "\t" << l.patient
                       << "\t" << l.chargeTo << "\t" << l.service << "\t" << l.diag << "\t"
                       << l.numServ << "\t" << (l.fee ? l.fee->format(opened->money) : QString())
-                      << "\t" << dateText(l.serviceDate) << "\n";
+                      << "\t" << datetext::slashed(l.serviceDate) << "\n";
     }
     session.out() << pending.totalLine(doctor, opened->money) << "\n";
     return 0;

@@ -4,6 +4,7 @@
 #include "claims/ServiceCodeCell.h"
 #include "foundation/AppSettings.h"
 #include "foundation/Clock.h"
+#include "foundation/DateText.h"
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 
@@ -242,8 +243,8 @@ void frmClaimGrid::codeTyped(int row) {
         typed.numServ = QStringLiteral("1");
     }
     for (int above = row - 1; typed.serviceDate.trimmed().isEmpty(); --above) {
-        typed.serviceDate = above >= 0 ? rowAt(above).serviceDate.trimmed()
-                                       : m_clock.today().toString(QStringLiteral("yyyy/MM/dd"));
+        typed.serviceDate =
+            above >= 0 ? rowAt(above).serviceDate.trimmed() : datetext::slashed(m_clock.today());
     }
     const ServiceCodeCell::Result result =
         m_cells.normalise(text, typed, m_pricing.claimType(), m_pricing.specialty());

@@ -4,6 +4,7 @@
 #include "claims/ClaimSplit.h"
 #include "claims/PayProgram.h"
 #include "foundation/AppSettings.h"
+#include "foundation/DateText.h"
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "screens/RecordList.h"
@@ -153,7 +154,7 @@ void frmClaimPending::reload() {
             {line.doc, line.account, QString::number(line.patientId), line.patient,
              payprog::shortForm(payprog::indexOf(line.chargeTo)), line.service, line.diag,
              QString::number(line.numServ), line.fee ? line.fee->currency(m_money) : QString(),
-             line.serviceDate.toString(QStringLiteral("yyyy/MM/dd"))});
+             datetext::slashed(line.serviceDate)});
         item->setData(0, recordlist::kKeyRole, line.claimId);
         for (int column : {Id, NS, Fee}) {
             item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
