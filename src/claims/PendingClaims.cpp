@@ -65,10 +65,12 @@ QString orderBy(PendingOrder order, const QString& patient) {
     return claimThenItem;
 }
 
+// The patient as the register would name them, without a stray comma for a missing part.
 QString nameOf(const ClaimRecord& claim, bool lastNameFirst) {
-    return (lastNameFirst ? claim.lName + QStringLiteral(", ") + claim.fName
-                          : claim.fName + QLatin1Char(' ') + claim.lName)
-        .trimmed();
+    PatientEntry patient;
+    patient.lName = claim.lName;
+    patient.fName = claim.fName;
+    return patient.displayName(lastNameFirst);
 }
 
 }  // namespace
