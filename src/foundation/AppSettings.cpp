@@ -3,6 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/DateText.h"
 
+#include <algorithm>
 #include <variant>
 
 namespace brimsett {
@@ -222,6 +223,11 @@ void AppSettings::saveOptions(SettingsStore& store) {
     writeGroup(store, *this, kOptionsHead);
     writeSwitches(store, kOptions, labelKey, optionChartLabel);
     writeGroup(store, *this, kOptionsTail);
+    // The claim file counter is saved the moment a preparation takes a number; another
+    // program on the same settings (the command line) may have taken one since this one
+    // started, and writing an older count back would hand out a file name twice.
+    diskIDCounter =
+        std::max(diskIDCounter, store.readNumber(kGeneral, QStringLiteral("DiskIDCounter")));
     writeGroup(store, *this, kGeneralKeys);
 }
 

@@ -152,6 +152,7 @@ std::unique_ptr<Database> Database::createSqlite(const QString& file) {
 
 QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
                          const QString& doing) {
+    ++m_statements;
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
     if (values.isEmpty()) {
