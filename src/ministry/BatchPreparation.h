@@ -3,9 +3,11 @@
 #include "foundation/Money.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace brimsett {
@@ -68,6 +70,19 @@ public:
     std::optional<PreparedFile> prepare(const PrepareRequest& request);
 
 private:
+    // The name stem: the provider number when the billing number has one, else the group.
+    QString fileStem(const QString& doctorId, const QString& groupNum, const QString& providerNum,
+                     bool oneProfile);
+    // The batches of the file: each specialty with its doctors.
+    std::vector<std::pair<QString, QStringList>> batchDoctors(const QString& doctorId,
+                                                              const QString& groupNum,
+                                                              const QString& providerNum,
+                                                              bool oneProfile);
+    // "DiskIDCounter" is taken and saved at once; given back when no file comes of it.
+    int takeCounter();
+    void giveCounterBack();
+    void appendWithoutItems(const QStringList& lines);
+
     Database& m_db;
     SettingsStore& m_store;
     AppSettings& m_settings;

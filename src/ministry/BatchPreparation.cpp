@@ -1,0 +1,256 @@
+#include "ministry/BatchPreparation.h"
+
+#include "foundation/AppSettings.h"
+#include "foundation/Clock.h"
+#include "foundation/Database.h"
+#include "foundation/DateText.h"
+#include "foundation/Prompter.h"
+#include "foundation/RecordValues.h"
+#include "foundation/SettingsStore.h"
+#include "foundation/SqlLog.h"
+#include "ministry/BatchNumbers.h"
+#include "ministry/ClaimFileBatch.h"
+#include "patients/PatientEntry.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QSqlRecord>
+
+#include <algorithm>
+
+namespace brimsett {
+
+namespace {
+
+const QString kGeneral = QStringLiteral("General");
+const QString kCounterKey = QStringLiteral("DiskIDCounter");
+const QString kNoGroup = QStringLiteral("0000");
+
+struct Doctor {
+    QString id;
+    QString groupNum;
+    QString providerNum;
+    QString mohOffice;
+};
+
+// A typed date as "YYYYMMDD" for comparing with a claim's date; empty when it is not one.
+std::optional<QString> dateKey(const QString& typed) {
+    const QDate date = readTypedDate(typed.trimmed());
+    if (!date.isValid()) {
+        return std::nullopt;
+    }
+    return datetext::yyyymmdd(date);
+}
+
+}  // namespace
+
+BatchPreparation::BatchPreparation(Database& db, SettingsStore& store, AppSettings& settings,
+                                   const Clock& clock, Prompter& prompter, const SqlLog& log,
+                                   QString officeFolder)
+    : m_db(db),
+      m_store(store),
+      m_settings(settings),
+      m_clock(clock),
+      m_prompter(prompter),
+      m_log(log),
+      m_folder(std::move(officeFolder)) {}
+
+std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& request) {
+    const QString doctorId = request.doctorId.trimmed().toUpper();
+    if (doctorId.isEmpty()) {
+        m_prompter.error({QStringLiteral("Please select a doctor.")});
+        return std::nullopt;
+    }
+    ClaimFileBatch::Dates dates;
+    dates.by = request.dateBy;
+    // No cut-off compares with a date no claim reaches.
+    dates.cutOff = QStringLiteral("30000101");
+    if (!request.cutOff.trimmed().isEmpty()) {
+        const auto key = dateKey(request.cutOff);
+        if (!key) {
+            m_prompter.error(
+                {quotedInMessage(request.cutOff) + QStringLiteral(" is not a valid date.")});
+            return std::nullopt;
+        }
+        dates.cutOff = *key;
+    }
+    if (m_settings.option[18] && !request.start.trimmed().isEmpty()) {
+        const auto key = dateKey(request.start);
+        if (!key) {
+            m_prompter.error(
+                {quotedInMessage(request.start) + QStringLiteral(" is not a valid date.")});
+            return std::nullopt;
+        }
+        dates.start = *key;
+    }
+
+    QSqlQuery doctorRow = m_db.exec(QStringLiteral("Select * From doctors Where DoctorID=?"),
+                                    {doctorId}, QStringLiteral("reading the doctor"));
+    if (!doctorRow.next()) {
+        m_prompter.tell(QStringLiteral("Error"),
+                        {QStringLiteral("Doctor Not Found."),
+                         QStringLiteral("Please check that the Doctor ID is correct.")},
+                        Icon::Warning);
+        return std::nullopt;
+    }
+    const QSqlRecord row = doctorRow.record();
+    const Doctor doctor{doctorId, recordvalue::textOf(row, "GroupNum"),
+                        recordvalue::textOf(row, "ProviderNum"),
+                        recordvalue::textOf(row, "MOHOffice")};
+
+    const QDate today = m_clock.today();
+    PreparedFile file;
+    file.fileName = batchnumbers::claimFileName(
+        today, fileStem(doctor.id, doctor.groupNum, doctor.providerNum, request.oneProfile),
+        takeCounter());
+    file.path = m_folder + file.fileName;
+
+    QSaveFile out(file.path);
+    QStringList logLines;
+    QStringList withoutItems;
+    try {
+        if (!out.open(QIODevice::WriteOnly)) {
+            throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
+                          out.errorString());
+        }
+        Transaction tx(m_db, QStringLiteral("preparing claim file ") + file.fileName);
+        ClaimFileBatch writer(m_db, m_progress);
+        for (const auto& [specCode, doctors] :
+             batchDoctors(doctor.id, doctor.groupNum, doctor.providerNum, request.oneProfile)) {
+            const ClaimFileBatch::Header header{doctor.mohOffice, doctor.groupNum,
+                                                doctor.providerNum, specCode};
+            ClaimFileBatch::Written written = writer.write(doctors, dates, today, header);
+            withoutItems << written.withoutItems;
+            // A batch without a claim header would be refused whole; its doctors' claims
+            // (none, or only ones without items) stay pending.
+            if (written.batch.claims > 0) {
+                written.batch.batchId = batchnumbers::nextBatchId(m_db, today);
+                writer.record(written.batch, header, file.fileName, doctors, logLines);
+                if (out.write(written.bytes) != written.bytes.size()) {
+                    throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
+                                  out.errorString());
+                }
+                file.batches.push_back(written.batch);
+            }
+            writer.restoreHeldBack(doctors);
+        }
+        if (file.batches.empty()) {
+            out.cancelWriting();
+            tx.commit();  // only the held-back claims were touched, and put back
+            giveCounterBack();
+            appendWithoutItems(withoutItems);
+            m_prompter.tell(QStringLiteral("Submit Claims"),
+                            {QStringLiteral("No claims to submit.")}, Icon::Information);
+            return std::nullopt;
+        }
+        if (!out.commit()) {
+            throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
+                          out.errorString());
+        }
+        try {
+            tx.commit();
+        } catch (...) {
+            QFile::remove(file.path);
+            throw;
+        }
+    } catch (...) {
+        if (out.isOpen()) {
+            out.cancelWriting();
+        }
+        giveCounterBack();
+        throw;
+    }
+    for (const QString& line : logLines) {
+        m_log.write(line);
+    }
+    appendWithoutItems(withoutItems);
+    // The transfer refuses a file the program has no record of making.
+    m_store.save(QStringLiteral("Batch"), file.fileName, QStringLiteral("1"));
+    m_store.sync();
+    return file;
+}
+
+QString BatchPreparation::fileStem(const QString& doctorId, const QString& groupNum,
+                                   const QString& providerNum, bool oneProfile) {
+    QString where;
+    QVariantList values;
+    if (oneProfile) {
+        where = QStringLiteral("Where DoctorID=?");
+        values << doctorId;
+    } else if (groupNum != kNoGroup) {
+        where = QStringLiteral("Where GroupNum=?");
+        values << groupNum;
+    } else {
+        where = QStringLiteral("Where ProviderNum=?");
+        values << providerNum;
+    }
+    QSqlQuery q = m_db.exec(QStringLiteral("Select Distinct ProviderNum From doctors ") + where,
+                            values, QStringLiteral("reading the billing number's providers"));
+    QStringList providers;
+    while (q.next()) {
+        providers << q.value(0).toString();
+    }
+    return providers.size() == 1 ? providers.front() : groupNum;
+}
+
+std::vector<std::pair<QString, QStringList>> BatchPreparation::batchDoctors(
+    const QString& doctorId, const QString& groupNum, const QString& providerNum, bool oneProfile) {
+    std::vector<std::pair<QString, QStringList>> batches;
+    if (oneProfile) {
+        const QString spec =
+            m_db.scalar(QStringLiteral("Select SpecCode From doctors Where DoctorID=?"), {doctorId},
+                        QStringLiteral("reading the doctor"))
+                .toString();
+        batches.emplace_back(spec, QStringList{doctorId});
+        return batches;
+    }
+    // One batch per specialty: the billing number's doctors of that specialty, whatever
+    // their location. A second location of the same specialty would find nothing left.
+    QSqlQuery q = m_db.exec(
+        QStringLiteral(
+            "Select DoctorID, SpecCode, LocationCode From doctors "
+            "Where GroupNum=? And ProviderNum=? Order By SpecCode, LocationCode, DoctorID"),
+        {groupNum, providerNum}, QStringLiteral("reading the billing number's doctors"));
+    while (q.next()) {
+        const QString spec = q.value(1).toString();
+        auto it = std::find_if(batches.begin(), batches.end(),
+                               [&](const auto& b) { return b.first == spec; });
+        if (it == batches.end()) {
+            batches.emplace_back(spec, QStringList{});
+            it = std::prev(batches.end());
+        }
+        it->second << q.value(0).toString();
+    }
+    return batches;
+}
+
+int BatchPreparation::takeCounter() {
+    // Read afresh: the command line may have taken a number since the program started.
+    const int counter = m_store.readNumber(kGeneral, kCounterKey) + 1;
+    m_store.saveNumber(kGeneral, kCounterKey, counter);
+    m_store.sync();
+    m_settings.diskIDCounter = counter;
+    return counter;
+}
+
+void BatchPreparation::giveCounterBack() {
+    const int counter = m_store.readNumber(kGeneral, kCounterKey) - 1;
+    m_store.saveNumber(kGeneral, kCounterKey, counter);
+    m_store.sync();
+    m_settings.diskIDCounter = counter;
+}
+
+void BatchPreparation::appendWithoutItems(const QStringList& lines) {
+    if (lines.isEmpty()) {
+        return;
+    }
+    QFile file(m_folder + QStringLiteral("HeadersNoItems.txt"));
+    // A note for the office; failing to write it must not undo the batch.
+    if (file.open(QIODevice::Append | QIODevice::Text)) {
+        for (const QString& line : lines) {
+            file.write(line.toUtf8() + '\n');
+        }
+    }
+}
+
+}  // namespace brimsett
