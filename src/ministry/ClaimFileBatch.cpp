@@ -145,7 +145,8 @@ ClaimFileBatch::Written ClaimFileBatch::write(const QStringList& doctors, const 
 void ClaimFileBatch::record(const PreparedBatch& batch, const Header& header,
                             const QString& fileName, const QStringList& doctors,
                             QStringList& logLines) {
-    const QVariantList row{batch.batchId,   header.mohOffice,        QString(),
+    // The operator column is never used; it is written empty rather than NULL.
+    const QVariantList row{batch.batchId,   header.mohOffice,        QStringLiteral(""),
                            header.groupNum, header.providerNum,      header.specCode,
                            batch.claims,    batch.reciprocal,        batch.items,
                            batch.records,   batch.total.toVariant(), fileName};
