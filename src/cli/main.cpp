@@ -27,7 +27,10 @@ const char* kUsage =
     "                            save a claim (ITEM: CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE]) and\n"
     "                            print its numbers; \"claim add\" alone lists its options\n"
     "  claim show ID             print a claim and its items\n"
-    "  claim pending [DOCTOR]    print the pending items and their total\n";
+    "  claim pending [DOCTOR]    print the pending items and their total\n"
+    "  prepare DOCTOR [--cutoff YYYY/MM/DD] [--start YYYY/MM/DD] [--one-profile] [--by-created]\n"
+    "                            write the doctor's pending claims into a claim file and print\n"
+    "                            its name and each batch's number, claims, records and total\n";
 
 }  // namespace
 
@@ -67,6 +70,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("import-sob"), commandImportSob},
         {QStringLiteral("fee"), commandFee},
         {QStringLiteral("claim"), commandClaim},
+        {QStringLiteral("prepare"), commandPrepare},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);
