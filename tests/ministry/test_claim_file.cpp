@@ -27,6 +27,7 @@ class TestClaimFile : public QObject {
 
 private slots:
     void wholeFileByteForByte();
+    void publicSampleReproduced();
     void fields_data();
     void fields();
     void oddClaimsStillMakeFullRecords();
@@ -108,6 +109,29 @@ void TestClaimFile::wholeFileByteForByte() {
     QVERIFY(test::readText(o.office.file("HeadersNoItems.txt")).contains("00000004"));
     QCOMPARE(o.office.store().get("Batch", "HK123456.001"), QStringLiteral("1"));
     QCOMPARE(o.settings.diskIDCounter, 1);
+}
+
+void TestClaimFile::publicSampleReproduced() {
+    const QString sample = test::samplesFolder() + "/openo_vendor_claim_file.txt";
+    if (!QFile::exists(sample)) {
+        QSKIP("the public sample files are not beside the project");
+    }
+    // The same claim, made here on the day the sample was, gives the sample byte for byte.
+    test::BatchOffice o;
+    o.clock.set(QDateTime(QDate(2024, 6, 24), QTime(9, 0)));
+    o.db->exec(
+        "Insert Into doctors (DoctorID, GroupNum, ProviderNum, SpecCode, MOHOffice) "
+        "Values ('AB','0000','030200','00','N')");
+    o.claim(10000000, "00000001", "AB", {{"A007A", Money::fromCents(3470), QDate(2024, 6, 24)}},
+            "HCP - P", [](ClaimRecord& c) {
+                c.healthNum = "9876543225";
+                c.dob = QDate(1985, 6, 15);
+                c.sli = "3821";
+                c.items[0].diagCode = "799";
+            });
+    const auto file = o.prepare(test::requestFor("AB"));
+    QVERIFY(file);
+    QCOMPARE(fileBytes(file->path), fileBytes(sample));
 }
 
 void TestClaimFile::fields_data() {
