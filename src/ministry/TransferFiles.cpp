@@ -1,0 +1,63 @@
+#include "ministry/TransferFiles.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+namespace brimsett::transferfiles {
+
+QString makeFolders(const QString& base, const QStringList& folders) {
+    for (const QString& folder : folders) {
+        const QString path = base + folder;
+        if (!QFileInfo(path).isDir() && !QDir().mkpath(path)) {
+            return QStringLiteral("The folder %1 could not be created.").arg(path);
+        }
+    }
+    return {};
+}
+
+std::optional<QByteArray> readAll(const QString& path, QString* problem) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *problem = QStringLiteral("%1 could not be read: %2").arg(path, file.errorString());
+        return std::nullopt;
+    }
+    return file.readAll();
+}
+
+QString place(const QByteArray& bytes, const QString& target, const QString& stagingFolder) {
+    const QString staged =
+        QDir(stagingFolder)
+            .filePath(QStringLiteral(".%1.%2.part")
+                          .arg(QFileInfo(target).fileName())
+                          .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0')));
+    QFile file(staged);
+    const QString cannotWrite = QStringLiteral("%1 could not be written: %2");
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        return cannotWrite.arg(target, file.errorString());
+    }
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        const QString problem = cannotWrite.arg(target, file.errorString());
+        file.close();
+        file.remove();
+        return problem;
+    }
+    file.close();
+    if (QFileInfo::exists(target) && !QFile::remove(target)) {
+        file.remove();
+        return QStringLiteral("%1 is there already and could not be replaced.").arg(target);
+    }
+    if (!file.rename(target)) {
+        const QString problem = cannotWrite.arg(target, file.errorString());
+        file.remove();
+        return problem;
+    }
+    return {};
+}
+
+QStringList filesIn(const QString& folder) {
+    return QDir(folder).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+}  // namespace brimsett::transferfiles
