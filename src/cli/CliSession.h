@@ -59,6 +59,8 @@ int commandImportSob(CliSession& session, const QStringList& args);
 int commandFee(CliSession& session, const QStringList& args);
 int commandClaim(CliSession& session, const QStringList& args);
 int commandPrepare(CliSession& session, const QStringList& args);
+int commandSubmit(CliSession& session, const QStringList& args);
+int commandFetchAnswers(CliSession& session, const QStringList& args);
 
 // Prints "brimsett-cli: " + reason to standard error and gives the failure status.
 int fail(const QString& reason, int status = 1);

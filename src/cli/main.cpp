@@ -30,7 +30,12 @@ const char* kUsage =
     "  claim pending [DOCTOR]    print the pending items and their total\n"
     "  prepare DOCTOR [--cutoff YYYY/MM/DD] [--start YYYY/MM/DD] [--one-profile] [--by-created]\n"
     "                            write the doctor's pending claims into a claim file and print\n"
-    "                            its name and each batch's number, claims, records and total\n";
+    "                            its name and each batch's number, claims, records and total\n"
+    "  submit FILE [--method disk|folder] [--to DIR]\n"
+    "                            hand a claim file of the office folder to the ministry (the\n"
+    "                            \"SubmitMethod\" setting unless --method; --to: the disk folder)\n"
+    "  fetch-answers DOCTOR [--method disk|folder] [--to DIR]\n"
+    "                            fetch the ministry's answers and print the files' paths\n";
 
 }  // namespace
 
@@ -71,6 +76,8 @@ int main(int argc, char** argv) {
         {QStringLiteral("fee"), commandFee},
         {QStringLiteral("claim"), commandClaim},
         {QStringLiteral("prepare"), commandPrepare},
+        {QStringLiteral("submit"), commandSubmit},
+        {QStringLiteral("fetch-answers"), commandFetchAnswers},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);

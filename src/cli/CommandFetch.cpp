@@ -1,0 +1,44 @@
+#include "cli/CliSession.h"
+#include "cli/TransferOptions.h"
+#include "foundation/SqlLog.h"
+#include "ministry/FolderExchange.h"
+
+#include <QDir>
+
+namespace brimsett {
+
+int commandFetchAnswers(CliSession& session, const QStringList& args) {
+    QString problem;
+    const std::optional<TransferOptions> options = TransferOptions::read(args, &problem);
+    if (!options) {
+        return fail(problem + QStringLiteral("\nusage: fetch-answers DOCTOR [--method disk|folder] "
+                                             "[--to DIR]"),
+                    2);
+    }
+    if (session.open() == nullptr) {
+        return fail(QStringLiteral("the database is not available"));
+    }
+    const TransferMethod method = options->methodFor(session);
+    const std::optional<TransferPlaces> places = options->places(session, method, &problem);
+    if (!places) {
+        return fail(problem, 2);
+    }
+    const SqlLog log(session.paths(), session.settings().sqlLogOn());
+    SleepingWait wait;
+    ClaimTransfer transfer(session.db(), session.store(), session.clock(), session.prompter(), wait,
+                           log, *places);
+    const std::optional<QStringList> files = transfer.fetchAnswers(options->word, method);
+    if (!files) {
+        return 1;  // the reason went to standard error
+    }
+    // Where the reading screens will find them: the disk itself, or the office's downloads.
+    const QDir folder(method == TransferMethod::Disk
+                          ? places->diskFolder
+                          : places->officeFolder + FolderExchange::kDownload);
+    for (const QString& name : *files) {
+        session.out() << QDir::cleanPath(folder.absoluteFilePath(name)) << "\n";
+    }
+    return 0;
+}
+
+}  // namespace brimsett
