@@ -1,0 +1,255 @@
+#include "screens/frmEDTSetup.h"
+
+#include "foundation/DateText.h"
+#include "foundation/DbError.h"
+#include "foundation/Prompter.h"
+#include "foundation/UnsavedChanges.h"
+#include "ministry/EdtPasswordSeal.h"
+#include "patients/ProviderRegister.h"
+#include "screens/EnterMovesOn.h"
+#include "screens/RecordList.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace brimsett {
+
+namespace {
+
+QString dateOrNever(const QDate& day) {
+    return day.isValid() ? datetext::slashed(day) : QStringLiteral("Never");
+}
+
+}  // namespace
+
+frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter,
+                         const Clock& clock, const SqlLog& log, const QString& officeFolder,
+                         QWidget* parent)
+    : QDialog(parent),
+      m_db(db),
+      m_settings(settings),
+      m_prompter(prompter),
+      m_log(log),
+      m_params(db, prompter, clock, log, officeFolder + EdtPasswordSeal::kKeyFileName) {
+    setWindowTitle(kTitle);
+    auto* enter = new EnterMovesOn(this);
+
+    m_list = recordlist::make(this, {"ID", "Provider", "User ID"}, 1);
+    m_list->setMinimumWidth(360);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            [this](QTreeWidgetItem* current) { listRowChanged(current); });
+
+    QWidget* login = loginPanel();
+    QWidget* general = generalPanel();
+    for (QLineEdit* line : {m_userId, m_password, m_mode, m_phone, m_port, m_timeOut}) {
+        enter->watch(line);
+    }
+    enter->watch(m_speed);
+
+    auto* save = new QPushButton(QStringLiteral("&Save"), this);
+    auto* close = new QPushButton(QStringLiteral("Close"), this);
+    save->setToolTip(QStringLiteral("Ctrl+S"));
+    close->setToolTip(QStringLiteral("Esc"));
+    for (QPushButton* button : {save, close}) {
+        button->setAutoDefault(false);
+    }
+    connect(save, &QPushButton::clicked, this, &frmEDTSetup::saveClicked);
+    connect(close, &QPushButton::clicked, this, &frmEDTSetup::reject);
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
+            &frmEDTSetup::saveClicked);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(save);
+    buttons->addWidget(close);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(m_list, 1);
+    top->addWidget(login);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top, 1);
+    layout->addWidget(general);
+    layout->addLayout(buttons);
+
+    loadGeneral();
+    try {
+        for (const Provider& p : ProviderRegister(m_db, m_settings, m_prompter, m_log).list()) {
+            auto* item = new QTreeWidgetItem(
+                m_list, {p.doctorId, (p.lName + QStringLiteral(", ") + p.fName).trimmed(),
+                         m_params.userId(p.doctorId)});
+            item->setData(0, recordlist::kKeyRole, p.doctorId);
+        }
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The providers could not be read."), e.message()});
+    }
+    m_list->resizeColumnToContents(0);
+    if (m_list->topLevelItemCount() > 0) {
+        showDoctor(m_list->topLevelItem(0)->text(0));
+    } else {
+        loadLogin();
+    }
+    m_list->setFocus();
+}
+
+QWidget* frmEDTSetup::loginPanel() {
+    auto* box = new QGroupBox(QStringLiteral("Provider Login"), this);
+    auto* form = new QFormLayout(box);
+    m_userId = new QLineEdit(box);
+    m_userId->setMaxLength(60);
+    m_password = new QLineEdit(box);
+    m_password->setEchoMode(QLineEdit::Password);
+    m_password->setMaxLength(EdtPasswordSeal::kMaxPasswordBytes);
+    m_passwordChanged = new QLabel(box);
+    m_passwordChanged->setObjectName(QStringLiteral("passwordChanged"));
+    m_mode = new QLineEdit(box);
+    m_mode->setMaxLength(49);
+    m_modeChanged = new QLabel(box);
+    m_modeChanged->setObjectName(QStringLiteral("modeChanged"));
+    form->addRow(QStringLiteral("&User ID:"), m_userId);
+    form->addRow(QStringLiteral("&Password:"), m_password);
+    form->addRow(QStringLiteral("Password changed:"), m_passwordChanged);
+    form->addRow(QStringLiteral("&Mode:"), m_mode);
+    form->addRow(QStringLiteral("Mode changed:"), m_modeChanged);
+    box->setMinimumWidth(320);
+    return box;
+}
+
+QWidget* frmEDTSetup::generalPanel() {
+    auto* box = new QGroupBox(QStringLiteral("General Settings"), this);
+    auto* form = new QFormLayout(box);
+    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    m_phone = recordlist::sizedLine(box, 60, 20);
+    m_port = recordlist::sizedLine(box, 60, 20);
+    m_speed = new QComboBox(box);
+    m_speed->addItems(EdtParams::lineSpeeds());
+    m_timeOut = recordlist::sizedLine(box, 3, 4);
+    form->addRow(QStringLiteral("&Telephone Number:"), m_phone);
+    form->addRow(QStringLiteral("Modem P&ort:"), m_port);
+    form->addRow(QStringLiteral("&Line Speed:"), m_speed);
+    form->addRow(QStringLiteral("T&ime-out (seconds):"), m_timeOut);
+    return box;
+}
+
+void frmEDTSetup::loadGeneral() {
+    try {
+        m_general = m_params.general();
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The EDT settings could not be read."), e.message()});
+    }
+    m_phone->setText(m_general.value(EdtParams::kPhone));
+    m_port->setText(m_general.value(EdtParams::kPort));
+    const int speed = m_speed->findText(m_general.value(EdtParams::kSpeed));
+    m_speed->setCurrentIndex(speed < 0 ? 0 : speed);
+    m_timeOut->setText(
+        m_general.value(EdtParams::kTimeOut, QString::number(EdtParams::kDefaultTimeOut)));
+    m_generalShown = generalFromFields();
+}
+
+void frmEDTSetup::loadLogin() {
+    m_login = EdtLogin{};
+    try {
+        if (!m_doctorId.isEmpty()) {
+            m_login = m_params.login(m_doctorId);
+        }
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The EDT login could not be read."), e.message()});
+    }
+    for (QLineEdit* line : {m_userId, m_password, m_mode}) {
+        line->setEnabled(!m_doctorId.isEmpty());
+    }
+    m_userId->setText(m_login.userId);
+    m_password->setText(m_login.password.value_or(QString()));
+    // A password saved with another computer's key is kept unless a new one is typed.
+    m_password->setPlaceholderText(
+        m_login.password ? QString() : QStringLiteral("(kept; cannot be read here)"));
+    m_password->setToolTip(m_login.passwordProblem);
+    m_passwordChanged->setText(dateOrNever(m_login.passwordChanged));
+    m_mode->setText(m_login.mode);
+    m_modeChanged->setText(dateOrNever(m_login.modeChanged));
+}
+
+bool frmEDTSetup::showDoctor(const QString& doctorId) {
+    QTreeWidgetItem* found = nullptr;
+    for (int i = 0; i < m_list->topLevelItemCount() && !found; ++i) {
+        if (m_list->topLevelItem(i)->text(0).compare(doctorId, Qt::CaseInsensitive) == 0) {
+            found = m_list->topLevelItem(i);
+        }
+    }
+    if (found == nullptr || !leaveShown()) {
+        recordlist::select(m_list, m_doctorId);
+        return false;
+    }
+    m_doctorId = found->text(0);
+    loadGeneral();  // typing the user chose to drop goes too
+    loadLogin();
+    recordlist::select(m_list, m_doctorId);
+    return true;
+}
+
+void frmEDTSetup::listRowChanged(QTreeWidgetItem* current) {
+    if (current == nullptr || current->text(0) == m_doctorId) {
+        return;
+    }
+    // The question about unsaved changes must not be asked inside the list's own signal.
+    const QString target = current->text(0);
+    QTimer::singleShot(0, this, [this, target] { showDoctor(target); });
+}
+
+QMap<QChar, QString> frmEDTSetup::generalFromFields() const {
+    QMap<QChar, QString> general = m_general;  // settings this screen does not show are kept
+    general.insert(EdtParams::kPhone, m_phone->text().trimmed());
+    general.insert(EdtParams::kPort, m_port->text().trimmed());
+    general.insert(EdtParams::kSpeed, m_speed->currentText());
+    general.insert(EdtParams::kTimeOut, m_timeOut->text().trimmed());
+    return general;
+}
+
+bool frmEDTSetup::changed() const {
+    return generalFromFields() != m_generalShown || m_userId->text().trimmed() != m_login.userId ||
+           m_password->text() != m_login.password.value_or(QString()) ||
+           m_mode->text().trimmed() != m_login.mode;
+}
+
+bool frmEDTSetup::saveClicked() {
+    EdtSetupChange change;
+    change.general = generalFromFields();
+    change.doctorId = m_doctorId;
+    change.userId = m_userId->text();
+    if (m_password->text() != m_login.password.value_or(QString())) {
+        change.password = m_password->text();
+    }
+    change.mode = m_mode->text();
+    if (!m_params.save(change)) {
+        if (!EdtParams::readTimeOut(m_timeOut->text())) {
+            m_timeOut->setFocus();
+            m_timeOut->selectAll();
+        }
+        return false;
+    }
+    loadGeneral();
+    loadLogin();
+    if (QTreeWidgetItem* item = m_list->currentItem()) {
+        item->setText(2, m_login.userId);
+    }
+    return true;
+}
+
+bool frmEDTSetup::leaveShown() {
+    return mayLeaveChanges(m_prompter, kTitle, changed(), [this] { return saveClicked(); });
+}
+
+void frmEDTSetup::reject() {
+    if (leaveShown()) {
+        QDialog::reject();
+    }
+}
+
+}  // namespace brimsett
