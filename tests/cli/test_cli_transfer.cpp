@@ -102,11 +102,6 @@ private slots:
         test::row("a file outside the office folder",
                   QStringList{"submit", "/tmp/" + kFile, "--to", "/tmp"}, 1,
                   "claim files are sent from the office folder");
-        test::row("a file not made here", QStringList{"submit", "HC123456.008", "--to", "/tmp"}, 1,
-                  "This submission file does not exist.");
-        test::row("a doctor without a login",
-                  QStringList{"fetch-answers", "XX", "--method", "folder"}, 1,
-                  "EDT setup incomplete for this Provider.");
     }
     void refused() {
         QFETCH(QStringList, args);

@@ -149,6 +149,23 @@ private slots:
         QCOMPARE(QDir(disk).entryList(QDir::Files | QDir::Hidden), QStringList{kFile});
     }
 
+    void submissionDateNotRecorded() {
+        Office o;
+        o.addFile();
+        o.db->exec(
+            "Create Trigger refuse Before Update On batches"
+            " Begin Select Raise(Abort, 'the disk is full'); End");
+        QVERIFY(!o.transfer.submit(kFile, TransferMethod::Disk));
+        // The user learns both that the file went and that its date is missing.
+        QCOMPARE(o.prompter.messages().size(), 2);
+        QCOMPARE(o.prompter.messages().first().title, QStringLiteral("Submit Claims"));
+        QCOMPARE(o.prompter.last().lines.first(),
+                 QStringLiteral("The file was handed over, but its submission date could not be "
+                                "recorded."));
+        QVERIFY(o.prompter.last().lines.at(1).contains("the disk is full"));
+        QCOMPARE(o.submitDates(), QStringList{"<null>"});
+    }
+
     void refused_data() {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("record");
