@@ -1,0 +1,91 @@
+#pragma once
+
+#include <qnamespace.h>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <variant>
+
+namespace brimsett {
+
+struct AppSettings;
+
+namespace reports {
+
+// One column of a report table: its caption, how its texts are aligned, and its share of the
+// page width (0 for every column lets the texts decide).
+struct ReportColumn {
+    QString caption;
+    Qt::Alignment alignment = Qt::AlignLeft;
+    int weight = 0;
+};
+
+// A table: the captions repeat at the top of every page it spans; total rows come last,
+// in bold under a rule. A row shorter than the columns leaves the rest empty.
+struct ReportTable {
+    QList<ReportColumn> columns;
+    QList<QStringList> rows;
+    QList<QStringList> totals;
+    // Rows (by index into rows) that begin a group, such as a claim's first item: a thin rule
+    // goes above each but the first.
+    QList<int> groupStarts;
+};
+
+// A line of the totals under a table: the label and its value, in bold at the right.
+struct TotalLine {
+    QString label;
+    QString value;
+};
+
+// What a printed report says, independent of the page: a title, a few heading lines
+// ("Date: ..."), then tables, totals and paragraphs in the order added.
+class Report {
+public:
+    struct Totals {
+        QList<TotalLine> lines;
+    };
+    struct Paragraph {
+        QString text;
+    };
+    using Block = std::variant<ReportTable, Totals, Paragraph>;
+
+    explicit Report(QString title = {}) : m_title(std::move(title)) {}
+
+    const QString& title() const { return m_title; }
+    const QStringList& headings() const { return m_headings; }
+    const QList<Block>& blocks() const { return m_blocks; }
+    bool landscape() const { return m_landscape; }
+
+    void addHeading(const QString& line) { m_headings << line; }
+    void addTable(ReportTable table) { m_blocks << Block(std::move(table)); }
+    // Consecutive total lines are kept together.
+    void addTotal(const QString& label, const QString& value);
+    void addParagraph(const QString& text) { m_blocks << Block(Paragraph{text}); }
+    // Wide tables print across the page.
+    void setLandscape(bool on) { m_landscape = on; }
+
+    // The tables in the order added, for whoever checks a report's contents.
+    QList<ReportTable> tables() const;
+
+private:
+    QString m_title;
+    QStringList m_headings;
+    QList<Block> m_blocks;
+    bool m_landscape = false;
+};
+
+// How reports look: the settings of section "Print" ("FontName", "FontSize",
+// "HeaderFontSize", "LineHeight", "SkipHeaderLines").
+struct ReportStyle {
+    QString fontFamily = QStringLiteral("Arial");
+    int fontSize = 12;
+    int headerFontSize = 22;
+    double lineHeight = 1.2;
+    int skipHeaderLines = 0;
+
+    static ReportStyle fromSettings(const AppSettings& settings);
+};
+
+}  // namespace reports
+}  // namespace brimsett

@@ -1,0 +1,211 @@
+#include "TestSupport.h"
+
+#include "foundation/AppSettings.h"
+#include "reports/Report.h"
+#include "reports/ReportPrinter.h"
+
+#include <QFile>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextTable>
+#include <QtTest>
+
+using namespace brimsett;
+using namespace brimsett::reports;
+using L = QStringList;
+
+namespace {
+
+Report sample() {
+    Report report(QStringLiteral("Submission Summary"));
+    report.addHeading(QStringLiteral("Date: 2026/11/22"));
+    report.addHeading(QStringLiteral("File Name: HK123456.001"));
+    ReportTable table;
+    table.columns = {{QStringLiteral("Doctor")},
+                     {QStringLiteral("Batch ID")},
+                     {QStringLiteral("No. of Claims"), Qt::AlignRight},
+                     {QStringLiteral("Total"), Qt::AlignRight}};
+    table.rows = {{"0000-123456-00", "202611220001", "2", "$67.40"},
+                  {"0000-123456-00", "202611220002", "1", "$1,250.00"}};
+    table.totals = {{"Total", "", "3", "$1,317.40"}};
+    report.addTable(table);
+    report.addTotal(QStringLiteral("Claims:"), QStringLiteral("3"));
+    report.addTotal(QStringLiteral("Total:"), QStringLiteral("$1,317.40"));
+    report.addParagraph(QStringLiteral("Keep this summary with the disk."));
+    return report;
+}
+
+// The tables of the document in order, each as rows of cell texts joined by "|".
+QList<QStringList> tablesOf(const QTextDocument& document) {
+    QList<QStringList> found;
+    for (QTextFrame* frame : document.rootFrame()->childFrames()) {
+        auto* table = qobject_cast<QTextTable*>(frame);
+        if (!table) {
+            continue;
+        }
+        QStringList rows;
+        for (int r = 0; r < table->rows(); ++r) {
+            QStringList cells;
+            for (int c = 0; c < table->columns(); ++c) {
+                cells << table->cellAt(r, c).firstCursorPosition().block().text();
+            }
+            rows << cells.join('|');
+        }
+        found << rows;
+    }
+    return found;
+}
+
+// The paragraphs outside tables, in order.
+QStringList paragraphsOf(const QTextDocument& document) {
+    QStringList lines;
+    for (QTextFrame::iterator it = document.rootFrame()->begin(); !it.atEnd(); ++it) {
+        if (it.currentBlock().isValid()) {
+            lines << it.currentBlock().text();
+        }
+    }
+    return lines;
+}
+
+}  // namespace
+
+class TestReport : public QObject {
+    Q_OBJECT
+
+private slots:
+    void documentHoldsHeadingTablesAndTotals() {
+        const ReportStyle style;
+        auto document = buildDocument(sample(), style);
+        QStringList paragraphs = paragraphsOf(*document);
+        paragraphs.removeAll(QString());
+        QCOMPARE(paragraphs, L({"Submission Summary", "Date: 2026/11/22", "File Name: HK123456.001",
+                                "Keep this summary with the disk."}));
+        const QList<QStringList> tables = tablesOf(*document);
+        QCOMPARE(tables.size(), 2);
+        QCOMPARE(tables.at(0),
+                 L({"Doctor|Batch ID|No. of Claims|Total", "0000-123456-00|202611220001|2|$67.40",
+                    "0000-123456-00|202611220002|1|$1,250.00", "Total||3|$1,317.40"}));
+        QCOMPARE(tables.at(1), L({"Claims:|3", "Total:|$1,317.40"}));
+
+        // The captions repeat on every page; amounts are right-aligned, totals bold.
+        auto* table = qobject_cast<QTextTable*>(document->rootFrame()->childFrames().at(0));
+        QCOMPARE(table->format().headerRowCount(), 1);
+        const QTextCursor amount = table->cellAt(1, 3).firstCursorPosition();
+        QVERIFY(amount.blockFormat().alignment() & Qt::AlignRight);
+        QVERIFY(table->cellAt(1, 0).firstCursorPosition().blockFormat().alignment() &
+                Qt::AlignLeft);
+        QTextCursor total = table->cellAt(3, 3).firstCursorPosition();
+        total.movePosition(QTextCursor::NextCharacter);
+        QCOMPARE(total.charFormat().fontWeight(), int(QFont::Bold));
+        QTextCursor plainCell = table->cellAt(1, 3).firstCursorPosition();
+        plainCell.movePosition(QTextCursor::NextCharacter);
+        QVERIFY(plainCell.charFormat().fontWeight() != int(QFont::Bold));
+
+        // The style's fonts: body from "FontName"/"FontSize", the title in the heading size.
+        QCOMPARE(document->defaultFont().family(), style.fontFamily);
+        QCOMPARE(document->defaultFont().pointSize(), 12);
+        QTextCursor title(document->begin());
+        title.movePosition(QTextCursor::NextCharacter);
+        QCOMPARE(title.charFormat().fontPointSize(), 22.0);
+    }
+
+    void styleComesFromThePrintSettings() {
+        AppSettings settings;
+        settings.printFontName = QStringLiteral("DejaVu Serif");
+        settings.printFontSize = 10;
+        settings.printHeaderFontSize = 16;
+        settings.printLineHeight = 1.0;
+        settings.printSkipHeaderLines = 2;
+        const ReportStyle style = ReportStyle::fromSettings(settings);
+        QCOMPARE(style.fontFamily, QStringLiteral("DejaVu Serif"));
+        QCOMPARE(style.fontSize, 10);
+        QCOMPARE(style.headerFontSize, 16);
+        QCOMPARE(style.lineHeight, 1.0);
+        QCOMPARE(style.skipHeaderLines, 2);
+        // Sizes that cannot be meant keep the defaults.
+        settings.printFontName.clear();
+        settings.printFontSize = 0;
+        settings.printHeaderFontSize = 500;
+        const ReportStyle fallback = ReportStyle::fromSettings(settings);
+        QCOMPARE(fallback.fontFamily, QStringLiteral("Arial"));
+        QCOMPARE(fallback.fontSize, 12);
+        QCOMPARE(fallback.headerFontSize, 22);
+    }
+
+    void pdfIsWritten() {
+        test::TempOffice office;
+        const QString path = office.file("summary.pdf");
+        const ReportPrinter printer(sample(), ReportStyle{});
+        QCOMPARE(printer.writePdf(path), 1);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.size() > 1000);
+        QVERIFY(file.read(5) == "%PDF-");
+    }
+
+    void longTableSpansPagesWithItsCaptions() {
+        Report report(QStringLiteral("Claims submitted in file HK123456.001"));
+        ReportTable table;
+        table.columns = {{QStringLiteral("Account")}, {QStringLiteral("Fee"), Qt::AlignRight}};
+        for (int i = 1; i <= 150; ++i) {
+            table.rows << L{QStringLiteral("%1").arg(i, 8, 10, QLatin1Char('0')),
+                            QStringLiteral("$33.70")};
+        }
+        report.addTable(table);
+        const ReportPrinter printer(report, ReportStyle{});
+        const int pages = printer.pageCount();
+        QVERIFY2(pages >= 3, qPrintable(QString::number(pages)));
+        // The count does not depend on the resolution, and the PDF has as many pages.
+        QCOMPARE(printer.pageCount(300), pages);
+        test::TempOffice office;
+        QCOMPARE(printer.writePdf(office.file("long.pdf")), pages);
+        // Every page has ink on it, and nothing beyond the last.
+        for (int page = 0; page < pages; ++page) {
+            const QImage image = printer.pageImage(page, 50);
+            QVERIFY(!image.isNull());
+            QCOMPARE(image.size(), QSize(425, 550));  // Letter at 50 dpi
+        }
+        QVERIFY(printer.pageImage(pages, 50).isNull());
+        const QString shot = qEnvironmentVariable("BRIMSETT_SHOTS");
+        if (!shot.isEmpty()) {
+            printer.pageImage(1, 60).save(shot + QStringLiteral("/report-long-page2.png"));
+        }
+        // Skipped lines at the top of each page leave less room, so more pages.
+        ReportStyle skipping;
+        skipping.skipHeaderLines = 12;
+        QVERIFY(ReportPrinter(report, skipping).pageCount() > pages);
+    }
+
+    void landscapeTurnsThePage() {
+        Report report = sample();
+        report.setLandscape(true);
+        const QImage image = ReportPrinter(report, ReportStyle{}).pageImage(0, 50);
+        QCOMPARE(image.size(), QSize(550, 425));
+    }
+
+    void pageImageShowsTheReport() {
+        const QImage image = ReportPrinter(sample(), ReportStyle{}).pageImage(0, 96);
+        // Something dark in the title's band and in the table's band, white in the margin.
+        const auto inkIn = [&image](QRect band) {
+            for (int y = band.top(); y <= band.bottom(); ++y) {
+                for (int x = band.left(); x <= band.right(); ++x) {
+                    if (qGray(image.pixel(x, y)) < 128) {
+                        return true;
+                    }
+                }
+            }
+            return false;
+        };
+        QVERIFY(inkIn(QRect(100, 57, 616, 40)));
+        QVERIFY(inkIn(QRect(57, 150, 700, 100)));
+        QVERIFY(!inkIn(QRect(0, 0, 816, 50)));
+        const QString shot = qEnvironmentVariable("BRIMSETT_SHOTS");
+        if (!shot.isEmpty()) {
+            image.save(shot + QStringLiteral("/report-sample.png"));
+        }
+    }
+};
+
+QTEST_MAIN(TestReport)
+#include "test_report.moc"
