@@ -1,6 +1,7 @@
 #include "ministry/BatchReports.h"
 
 #include "foundation/DateText.h"
+#include "ministry/ClaimFileRecords.h"
 
 namespace brimsett::batchreports {
 
@@ -12,12 +13,6 @@ using reports::ReportTable;
 
 QString dateLine(const QDate& printed) {
     return QStringLiteral("Date: ") + datetext::slashed(printed);
-}
-
-// The claim file holds no record of a "Direct" or "Third Party" claim (Part 4.1, step 6).
-bool writtenToFile(const ClaimRecord& claim) {
-    const QString program = claim.payProg.trimmed().toUpper();
-    return !program.startsWith(QLatin1Char('D')) && !program.startsWith(QLatin1Char('T'));
 }
 
 QString patientName(const ClaimRecord& claim, bool lastNameFirst) {
@@ -98,7 +93,7 @@ Report claimsSubmitted(const BatchRow& batch, const std::vector<ClaimRecord>& cl
     int itemCount = 0;
     Money total;
     for (const ClaimRecord& claim : claims) {
-        if (!writtenToFile(claim) || claim.items.isEmpty()) {
+        if (!claimfile::goesIntoFile(claim) || claim.items.isEmpty()) {
             continue;
         }
         ++claimCount;

@@ -109,9 +109,8 @@ ClaimFileBatch::Written ClaimFileBatch::write(const QStringList& doctors, const 
                   valuesOf(doctors, {kPendingBatch}), QStringLiteral("reading the pending claims"));
     while (q.next()) {
         const ClaimRecord claim = ClaimRecord::fromRecord(q.record());
-        const QChar type = claim.payProg.isEmpty() ? QChar() : claim.payProg.front();
-        if (type == QLatin1Char('D') || type == QLatin1Char('T')) {
-            continue;  // billed to the patient or a payer, never to the ministry
+        if (!claimfile::goesIntoFile(claim)) {
+            continue;
         }
         const QList<ItemRecord> claimItems = items.value(claim.claimId);
         if (claimItems.isEmpty()) {

@@ -38,6 +38,11 @@ bool allDigits(const QString& text) {
 
 }  // namespace
 
+bool goesIntoFile(const ClaimRecord& claim) {
+    const QString program = claim.payProg.trimmed().toUpper();
+    return !program.startsWith(QLatin1Char('D')) && !program.startsWith(QLatin1Char('T'));
+}
+
 QString accountField(const QString& acctNum) {
     const QString trimmed = acctNum.trimmed();
     // Numbers are zero-filled on the left; anything else (accounts typed by other programs)

@@ -12,6 +12,10 @@ namespace brimsett::claimfile {
 
 inline constexpr int kRecordLength = 79;
 
+// Claims billed to the patient ("Direct") or a payer ("Third Party") have no record in the
+// file even when a batch takes them along.
+bool goesIntoFile(const ClaimRecord& claim);
+
 // "HEB": the batch header. Its sequence is always "0001", whatever number the batch gets in
 // the office's own list.
 QString batchHeader(const QString& mohOffice, const QDate& today, const QString& groupNum,
