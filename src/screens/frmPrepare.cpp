@@ -9,6 +9,7 @@
 #include "ministry/BatchReports.h"
 #include "ministry/ClaimTransfer.h"
 #include "patients/ProviderRegister.h"
+#include "screens/EdtSetupScreens.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
 #include "screens/RepaintingWait.h"
@@ -286,6 +287,13 @@ QWidget* frmPrepare::buildBatchPanel() {
     m_cmdSubmit = button(panel, QStringLiteral("cmdSubmit"), QStringLiteral("S&ubmit"),
                          QStringLiteral("Hands the batch's claim file to the ministry"));
     connect(m_cmdSubmit, &QPushButton::clicked, this, &frmPrepare::submitClicked);
+    // The transfer logins are set up where they are used.
+    auto* setup = button(panel, QStringLiteral("cmdEDTSetup"), QStringLiteral("EDT Se&tup..."));
+    connect(setup, &QPushButton::clicked, this, [this] {
+        openEdtSetup(
+            m_db, m_settings, m_prompter, m_clock, m_log, m_folder, this,
+            m_doctor->currentIndex() >= 0 ? m_doctor->currentData().toString() : QString());
+    });
     auto* close =
         button(panel, QStringLiteral("cmdClose"), QStringLiteral("Close"), QStringLiteral("Esc"));
     connect(close, &QPushButton::clicked, this, &QWidget::close);
@@ -304,6 +312,7 @@ QWidget* frmPrepare::buildBatchPanel() {
     submitRow->addWidget(methodLabel);
     submitRow->addWidget(m_method);
     submitRow->addWidget(m_cmdSubmit);
+    submitRow->addWidget(setup);
     submitRow->addStretch();
     submitRow->addWidget(close);
 
