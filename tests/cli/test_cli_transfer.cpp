@@ -79,14 +79,6 @@ private slots:
         resetBatch();
     }
 
-    void fetchFromDisk() {
-        QTemporaryDir answers;
-        test::writeText(answers.path() + "/EB123456.txt", "errors");
-        const auto listed = run({"fetch-answers", "JS", "--to", answers.path()});
-        QCOMPARE(listed.status, 0);
-        QCOMPARE(listed.out, answers.path() + "/EB123456.txt\n");
-    }
-
     void refused_data() {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("status");

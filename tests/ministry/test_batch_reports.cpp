@@ -85,13 +85,6 @@ private slots:
         QCOMPARE(reports::ReportPrinter(summary, {}).writePdf(out.file("summary.pdf")), 1);
     }
 
-    void summaryOfAFileWithoutBatches() {
-        const reports::Report summary =
-            batchreports::submissionSummary("HK123456.009", {}, QDate(2026, 11, 22), MoneyFormat{});
-        QVERIFY(summary.tables().first().rows.isEmpty());
-        QCOMPARE(joined(summary.tables().first().totals), L({"Total|0 batches|0|0|$0.00"}));
-    }
-
     void claimsSubmittedInABatch() {
         TwoBatches o;
         QVERIFY(o.file);

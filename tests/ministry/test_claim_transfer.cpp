@@ -272,23 +272,6 @@ private slots:
         QCOMPARE(o.filesIn("OutboundSubmission"), QStringList());
     }
 
-    void fetchKeepsEarlierDownloads() {
-        Office o;
-        o.setUserId("U1");
-        test::writeText(o.path("Download/PK123456.001"), "last month");
-        test::writeText(o.path("Download/EB123456.txt"), "same");
-        o.wait.sleepMs = 20;
-        test::TransferAgent agent(o.office.folder(),
-                                  {{"PK123456.001", "this month"}, {"EB123456.txt", "same"}});
-        QCOMPARE(o.transfer.fetchAnswers("A", TransferMethod::Folder),
-                 std::optional<QStringList>({"EB123456.txt", "PK123456.001"}));
-        QCOMPARE(o.filesIn("Download"),
-                 (QStringList{"EB123456.txt", "PK123456.001", "PK123456.001.20261122-100000"}));
-        QCOMPARE(test::readText(o.path("Download/PK123456.001")), QStringLiteral("this month"));
-        QCOMPARE(test::readText(o.path("Download/PK123456.001.20261122-100000")),
-                 QStringLiteral("last month"));
-    }
-
     void fetchRefused_data() {
         QTest::addColumn<QString>("userId");
         QTest::addColumn<int>("method");
@@ -313,20 +296,6 @@ private slots:
         QCOMPARE(o.prompter.messages().size(), 1);
         QCOMPARE(o.prompter.last().text(), message);
         QVERIFY(!QFileInfo::exists(o.path("OutboundSubmission")));
-    }
-
-    void fetchWithoutAgent() {
-        Office o;
-        o.setUserId("U1");
-        QCOMPARE(o.transfer.fetchAnswers("A", TransferMethod::Folder), std::nullopt);
-        QCOMPARE(o.wait.pauses, QList<int>(20, 2000));  // 21 looks
-        QCOMPARE(o.wait.statuses.mid(0, 2), (QStringList{"Please Wait (20)", "Please Wait (19)"}));
-        QCOMPARE(o.prompter.last().text(), QStringLiteral("The transfer agent did not answer.\n"
-                                                          "Please check that it is running, then "
-                                                          "try again."));
-        // The request stays for the agent; its answers are taken next time.
-        QCOMPARE(o.filesIn("OutboundSubmission"), QStringList{"RU1.txt"});
-        QCOMPARE(test::readText(o.path("OutboundSubmission/RU1.txt")), QStringLiteral("!\r\n"));
     }
 
     void fetchFromDisk() {

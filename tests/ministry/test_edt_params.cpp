@@ -127,16 +127,6 @@ private slots:
         QCOMPARE(login.changeMarker, QString());
     }
 
-    void keyFolderNotWritable() {
-        Office o;
-        EdtParams params(*o.db, o.prompter, o.clock, o.log, "/proc/EDTKey.dat");
-        QVERIFY(!params.save({std::nullopt, "A", "u1", QStringLiteral("secret"), {}}));
-        QCOMPARE(o.prompter.last().lines.first(), QStringLiteral("The password was not saved."));
-        QVERIFY(o.prompter.last().lines.at(1).startsWith(
-            "The key file /proc/EDTKey.dat cannot be written"));
-        QCOMPARE(o.rows(), QStringList());
-    }
-
     void userIds_data() {
         QTest::addColumn<QString>("user");
         QTest::addColumn<bool>("fits");
@@ -191,46 +181,6 @@ private slots:
             QCOMPARE(o.prompter.last().lines, EdtParams::timeOutMessage());
             QCOMPARE(o.rows(), (QStringList{"A1|u", "N|5551234", "X|kept"}));
         }
-    }
-
-    void modeKeepsItsDateUntilChanged() {
-        Office o;
-        o.log.setOn(true);
-        QVERIFY(o.saveLogin("u1", std::nullopt, "Production"));
-        o.clock.set(QDateTime(QDate(2026, 12, 3), QTime(9, 0)));
-        QVERIFY(o.saveLogin("u1", std::nullopt, "Production"));
-        QCOMPARE(o.rows("ParamName Like 'MODE%'"), QStringList{"MODEA|Production,2026/11/22"});
-        QVERIFY(o.saveLogin("u1", std::nullopt, "Test"));
-        const EdtLogin login = o.params.login("a");
-        QCOMPARE(login.mode, QStringLiteral("Test"));
-        QCOMPARE(login.modeChanged, QDate(2026, 12, 3));
-        QCOMPARE(test::readText(o.log.path()).split("\r\n", Qt::SkipEmptyParts),
-                 (QStringList{"Delete From edtparams Where ParamName='A1'",
-                              "Insert Into edtparams (ParamName,ParamValue) Values('A1','u1')",
-                              "Delete From edtparams Where ParamName='MODEA'",
-                              "Insert Into edtparams (ParamName,ParamValue) "
-                              "Values('MODEA','Production,2026/11/22')",
-                              "Delete From edtparams Where ParamName='MODEA'",
-                              "Insert Into edtparams (ParamName,ParamValue) "
-                              "Values('MODEA','Test,2026/12/03')"}));
-
-        o.params.clearChangeMarker("a");
-        QVERIFY(o.saveLogin("u1", QStringLiteral("pw")));
-        QCOMPARE(o.params.login("A").changeMarker, QStringLiteral("1"));
-        o.params.clearChangeMarker("a");
-        QCOMPARE(o.rows("ParamName='A3'"), QStringList{"A3|"});
-    }
-
-    void brokenDatabaseChangesNothing() {
-        Office o;
-        o.db->exec("Drop Table edtparams");
-        o.db->exec(
-            "Create Table edtparams (ParamName Text(30), ParamValue Text(60),"
-            " Check (ParamName <> 'MODEA'))");
-        QVERIFY(!o.saveLogin("u1", QStringLiteral("secret"), "Production"));
-        QCOMPARE(o.prompter.last().lines.first(),
-                 QStringLiteral("The EDT settings were not saved; nothing was changed."));
-        QCOMPARE(o.rows(), QStringList());
     }
 };
 

@@ -110,29 +110,6 @@ private slots:
         QCOMPARE(title.charFormat().fontPointSize(), 22.0);
     }
 
-    void styleComesFromThePrintSettings() {
-        AppSettings settings;
-        settings.printFontName = QStringLiteral("DejaVu Serif");
-        settings.printFontSize = 10;
-        settings.printHeaderFontSize = 16;
-        settings.printLineHeight = 1.0;
-        settings.printSkipHeaderLines = 2;
-        const ReportStyle style = ReportStyle::fromSettings(settings);
-        QCOMPARE(style.fontFamily, QStringLiteral("DejaVu Serif"));
-        QCOMPARE(style.fontSize, 10);
-        QCOMPARE(style.headerFontSize, 16);
-        QCOMPARE(style.lineHeight, 1.0);
-        QCOMPARE(style.skipHeaderLines, 2);
-        // Sizes that cannot be meant keep the defaults.
-        settings.printFontName.clear();
-        settings.printFontSize = 0;
-        settings.printHeaderFontSize = 500;
-        const ReportStyle fallback = ReportStyle::fromSettings(settings);
-        QCOMPARE(fallback.fontFamily, QStringLiteral("Arial"));
-        QCOMPARE(fallback.fontSize, 12);
-        QCOMPARE(fallback.headerFontSize, 22);
-    }
-
     void pdfIsWritten() {
         test::TempOffice office;
         const QString path = office.file("summary.pdf");
@@ -175,13 +152,6 @@ private slots:
         ReportStyle skipping;
         skipping.skipHeaderLines = 12;
         QVERIFY(ReportPrinter(report, skipping).pageCount() > pages);
-    }
-
-    void landscapeTurnsThePage() {
-        Report report = sample();
-        report.setLandscape(true);
-        const QImage image = ReportPrinter(report, ReportStyle{}).pageImage(0, 50);
-        QCOMPARE(image.size(), QSize(550, 425));
     }
 
     void pageImageShowsTheReport() {

@@ -95,45 +95,6 @@ private slots:
         QCOMPARE(passwordChanged(screen.get()), QStringLiteral("2025/03/04"));
     }
 
-    void timeOutRefused() {
-        Office o;
-        auto screen = o.open();
-        screen->show();
-        QVERIFY(QTest::qWaitForWindowActive(screen.get()));
-        type(screen.get(), "User ID", "jsmith");
-        type(screen.get(), "Time-out", "20");
-        QTest::keyClick(screen.get(), Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(o.prompter.last().title, QStringLiteral("Error"));
-        QCOMPARE(o.prompter.last().text(),
-                 QStringLiteral("Invalid number for number of seconds.\n"
-                                "Number of seconds must be between 30-120."));
-        QCOMPARE(QApplication::focusWidget(), line(screen.get(), "Time-out"));
-        QCOMPARE(o.rows(), (QStringList{"-MB|2025/03/04", "MB1|mbrown", "T|90", "Z|kept"}));
-
-        // Leaving the unsaved provider asks; No drops the typing.
-        o.prompter.script({Answer::No});
-        QVERIFY(screen->showDoctor("MB"));
-        QCOMPARE(o.prompter.last().text(), QStringLiteral("Save changes?"));
-        QVERIFY(screen->showDoctor("JS"));
-        QCOMPARE(line(screen.get(), "User ID")->text(), QString());
-        QCOMPARE(line(screen.get(), "Time-out")->text(), QStringLiteral("90"));
-    }
-
-    void openedOnAProvider() {
-        Office o;
-        QString seen;
-        QTimer::singleShot(0, [&seen] {
-            auto* screen = qobject_cast<frmEDTSetup*>(QApplication::activeModalWidget());
-            if (screen) {
-                seen = screen->shownDoctor();
-                screen->reject();
-            }
-        });
-        openEdtSetup(*o.db, o.settings, o.prompter, o.clock, o.log, o.office.folder(), nullptr,
-                     "mb");
-        QCOMPARE(seen, QStringLiteral("MB"));
-    }
-
     void waitingKeepsTheScreenAlive() {
         QStringList statuses;
         RepaintingWait wait([&statuses](const QString& text) { statuses << text; });

@@ -1,7 +1,6 @@
 #include "OfficeFixture.h"
 
 #include "../claims/ClaimSamples.h"
-#include "../ministry/TransferAgent.h"
 #include "claims/ClaimEntryRecord.h"
 #include "claims/ClaimStore.h"
 #include "foundation/ActionRegistry.h"
@@ -148,42 +147,6 @@ private slots:
         QCOMPARE(desk.listed().size(), 1);
     }
 
-    void refusalsComeFromThePreparation() {
-        Desk desk;
-        desk.settings.lastDoctor.clear();
-        desk.addClaim();
-        desk.open();
-        QCOMPARE(desk.child<QComboBox>("cboDoctor")->currentIndex(), -1);
-        desk.click("cmdStart");
-        QCOMPARE(desk.prompter.last().title, QString("Error"));
-        QCOMPARE(desk.prompter.last().text(), QString("Please select a doctor."));
-        desk.child<QComboBox>("cboDoctor")->setCurrentIndex(0);
-        desk.child<QLineEdit>("txtCutOff")->setText("2026/13/01");
-        desk.click("cmdStart");
-        QCOMPARE(desk.prompter.last().text(), QString("'2026/13/01' is not a valid date."));
-        QVERIFY(desk.listed().isEmpty());
-        QVERIFY(desk.child<QLabel>("lblProgress")->text().isEmpty());
-    }
-
-    // Switch 18 shows the start date; a claim dated before it stays pending, and so does one
-    // created before it when the creation date is compared.
-    void startDateWithAdvancedDating() {
-        Desk desk;
-        desk.settings.option[18] = true;
-        const qint64 claim = desk.addClaim();
-        desk.open();
-        auto* start = desk.child<QLineEdit>("txtStart");
-        QVERIFY(start->isVisible());
-        start->setText("2026/11/21");
-        desk.click("cmdStart");
-        QCOMPARE(desk.prompter.last().text(), QString("No claims to submit."));
-        QCOMPARE(desk.batchOf(claim), kPendingBatch);
-        // Created today: by the date created it goes.
-        desk.child<QRadioButton>("optDateCreated")->click();
-        desk.click("cmdStart");
-        QCOMPARE(desk.batchOf(claim), QString("202611220001"));
-    }
-
     void reverseFromTheScreen() {
         Desk desk;
         const qint64 claim = desk.addClaim();
@@ -192,15 +155,6 @@ private slots:
         QCOMPARE(desk.listed().size(), 1);
         QCOMPARE(desk.batchOf(claim), QString("202611220001"));
 
-        desk.prompter.script({Answer::No});
-        desk.click("cmdReverse");
-        QCOMPARE(desk.prompter.last().title, QString("Reverse Submission"));
-        QCOMPARE(desk.prompter.last().lines,
-                 L({"This will reverse (undo) your submission", "by changing all claims",
-                    "in this batch to Pending.", "", "Are you sure?"}));
-        QCOMPARE(desk.prompter.last().defaultAnswer, Answer::No);
-        QCOMPARE(desk.listed().size(), 1);
-
         desk.prompter.script({Answer::Yes});
         desk.click("cmdReverse");
         QVERIFY(desk.listed().isEmpty());
@@ -208,39 +162,6 @@ private slots:
         QCOMPARE(desk.window->statusLine(),
                  QString("Batch 202611220001 was reversed: its claims are pending again."));
         QVERIFY(!desk.child<QPushButton>("cmdReverse")->isEnabled());
-    }
-
-    // The Delete key on the list removes the batch record only; its claims keep the batch.
-    void deleteBatchRecord() {
-        Desk desk;
-        const qint64 claim = desk.addClaim();
-        desk.open();
-        desk.click("cmdStart");
-        auto* list = desk.child<QTreeWidget>("lstBatches");
-        list->setFocus();
-        desk.prompter.script({Answer::Yes});
-        QTest::keyClick(list, Qt::Key_Delete);
-        QCOMPARE(desk.prompter.last().title, QString("Delete Batch"));
-        QCOMPARE(desk.prompter.last().text(), QString("Are you sure?"));
-        QVERIFY(desk.listed().isEmpty());
-        QCOMPARE(desk.batchOf(claim), QString("202611220001"));
-    }
-
-    void newestBatchFirstAndSelectionKept() {
-        Desk desk;
-        desk.addClaim("JS");
-        desk.open();
-        desk.click("cmdStart");
-        desk.addClaim("KS");
-        desk.child<QComboBox>("cboDoctor")->setCurrentIndex(1);
-        desk.click("cmdStart");
-        QCOMPARE(desk.listed(),
-                 L({"0000-654321-00|202611220002|1/4|$33.70|HK654321.002|Not Submitted",
-                    "0000-123456-00|202611220001|1/4|$33.70|HK123456.001|Not Submitted"}));
-        QCOMPARE(desk.window->selectedBatch()->batchId, QString("202611220002"));
-        QVERIFY(desk.window->selectBatch("202611220001"));
-        QVERIFY(!desk.window->selectBatch("209911220001"));
-        QCOMPARE(desk.window->selectedBatch()->fileName, QString("HK123456.001"));
     }
 
     void printsOpenInPreview() {
@@ -347,34 +268,6 @@ private slots:
         QTest::keyClick(desk.window, Qt::Key_R, Qt::AltModifier);
         QTRY_VERIFY(desk.listed().isEmpty());
         QCOMPARE(desk.prompter.last().title, QString("Reverse Submission"));
-    }
-
-    // "EDT / Internet": the file goes to the exchange folder while the screen waits for the
-    // agent's receipt.
-    void submitThroughTheExchangeFolder() {
-        Desk desk;
-        desk.settings.submitMethod = 2;
-        desk.addClaim();
-        desk.open();
-        desk.click("cmdStart");
-        desk.window->setDiskFolderChooser([] {
-            qWarning("no disk is asked for");
-            return QString();
-        });
-        test::TransferAgent agent(desk.office.folder());
-        desk.click("cmdSubmit");
-        QVERIFY(agent.taken().contains("HK123456.001"));
-        QCOMPARE(desk.prompter.last().text(), QString("File Submission successful."));
-        QCOMPARE(desk.listed(),
-                 L{"0000-123456-00|202611220001|1/4|$33.70|HK123456.001|2026/11/22"});
-        QVERIFY(desk.child<QPushButton>("cmdSubmit")->isEnabled());
-    }
-
-    void escCloses() {
-        Desk desk;
-        desk.open();
-        QTest::keyClick(desk.child<QLineEdit>("txtCutOff"), Qt::Key_Escape);
-        QTRY_VERIFY(!desk.owner.findChild<frmPrepare*>());
     }
 
     // A list of three batches in two files, and the summary of the file of two; pictures of
