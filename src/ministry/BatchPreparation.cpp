@@ -31,6 +31,7 @@ struct Doctor {
     QString groupNum;
     QString providerNum;
     QString mohOffice;
+    QString specCode;
 };
 
 // A typed date as "YYYYMMDD" for comparing with a claim's date; empty when it is not one.
@@ -94,9 +95,9 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
         return std::nullopt;
     }
     const QSqlRecord row = doctorRow.record();
-    const Doctor doctor{doctorId, recordvalue::textOf(row, "GroupNum"),
-                        recordvalue::textOf(row, "ProviderNum"),
-                        recordvalue::textOf(row, "MOHOffice")};
+    const Doctor doctor{
+        doctorId, recordvalue::textOf(row, "GroupNum"), recordvalue::textOf(row, "ProviderNum"),
+        recordvalue::textOf(row, "MOHOffice"), recordvalue::textOf(row, "SpecCode")};
 
     const QDate today = m_clock.today();
     PreparedFile file;
@@ -116,7 +117,8 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
         Transaction tx(m_db, QStringLiteral("preparing claim file ") + file.fileName);
         ClaimFileBatch writer(m_db, m_progress);
         for (const auto& [specCode, doctors] :
-             batchDoctors(doctor.id, doctor.groupNum, doctor.providerNum, request.oneProfile)) {
+             batchDoctors(doctor.id, doctor.groupNum, doctor.providerNum, doctor.specCode,
+                          request.oneProfile)) {
             const ClaimFileBatch::Header header{doctor.mohOffice, doctor.groupNum,
                                                 doctor.providerNum, specCode};
             ClaimFileBatch::Written written = writer.write(doctors, dates, today, header);
@@ -194,14 +196,11 @@ QString BatchPreparation::fileStem(const QString& doctorId, const QString& group
 }
 
 std::vector<std::pair<QString, QStringList>> BatchPreparation::batchDoctors(
-    const QString& doctorId, const QString& groupNum, const QString& providerNum, bool oneProfile) {
+    const QString& doctorId, const QString& groupNum, const QString& providerNum,
+    const QString& specCode, bool oneProfile) {
     std::vector<std::pair<QString, QStringList>> batches;
     if (oneProfile) {
-        const QString spec =
-            m_db.scalar(QStringLiteral("Select SpecCode From doctors Where DoctorID=?"), {doctorId},
-                        QStringLiteral("reading the doctor"))
-                .toString();
-        batches.emplace_back(spec, QStringList{doctorId});
+        batches.emplace_back(specCode, QStringList{doctorId});
         return batches;
     }
     // One batch per specialty: the billing number's doctors of that specialty, whatever
@@ -212,11 +211,11 @@ std::vector<std::pair<QString, QStringList>> BatchPreparation::batchDoctors(
             "Where GroupNum=? And ProviderNum=? Order By SpecCode, LocationCode, DoctorID"),
         {groupNum, providerNum}, QStringLiteral("reading the billing number's doctors"));
     while (q.next()) {
-        const QString spec = q.value(1).toString();
+        const QString specialty = q.value(1).toString();
         auto it = std::find_if(batches.begin(), batches.end(),
-                               [&](const auto& b) { return b.first == spec; });
+                               [&](const auto& b) { return b.first == specialty; });
         if (it == batches.end()) {
-            batches.emplace_back(spec, QStringList{});
+            batches.emplace_back(specialty, QStringList{});
             it = std::prev(batches.end());
         }
         it->second << q.value(0).toString();

@@ -77,6 +77,7 @@ private:
     std::vector<std::pair<QString, QStringList>> batchDoctors(const QString& doctorId,
                                                               const QString& groupNum,
                                                               const QString& providerNum,
+                                                              const QString& specCode,
                                                               bool oneProfile);
     // "DiskIDCounter" is taken and saved at once; given back when no file comes of it.
     int takeCounter();

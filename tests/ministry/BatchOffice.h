@@ -16,12 +16,12 @@ struct BatchOffice : OfficeFixture {
     ClaimStore store{*db, clock, log};
 
     void addDoctor(const QString& id, const QString& group, const QString& provider,
-                   const QString& spec, const QString& location = {},
+                   const QString& specialty, const QString& location = {},
                    const QString& modifier = {}) {
         db->exec(QStringLiteral("Insert Into doctors (DoctorID, GroupNum, ProviderNum, SpecCode, "
                                 "MOHOffice, LocationCode, Modifier, LName) "
                                 "Values (?,?,?,?,'J',?,?,'Doe')"),
-                 {id, group, provider, spec, location, modifier});
+                 {id, group, provider, specialty, location, modifier});
     }
 
     // A pending Ontario claim of the doctor with one item per (code, fee, service date).
