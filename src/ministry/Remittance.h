@@ -52,6 +52,9 @@ enum class ItemOutcome {
     Paid,           // status 2
     Rejected,       // status 1
     Unmatched,      // no claim or item of the office answers to it
+    // No item answers, but a claim with the account number already records this file in
+    // `RA`: an item whose fee the first reading lowered to the payment. Nothing is written.
+    AlreadyRead,
 };
 
 // "HR5".
@@ -139,6 +142,7 @@ struct ReconcileCounts {
     int paid = 0;
     int rejected = 0;
     int unmatched = 0;
+    int alreadyRead = 0;
     bool operator==(const ReconcileCounts&) const = default;
 };
 
