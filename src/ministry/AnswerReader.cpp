@@ -1,0 +1,140 @@
+#include "ministry/AnswerReader.h"
+
+#include "foundation/DbError.h"
+#include "foundation/Prompter.h"
+#include "ministry/FixedWidth.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace brimsett {
+
+using received::FileKind;
+
+const QList<received::LineError>& ReceivedAnswer::errors() const {
+    return std::visit([](const auto& c) -> const QList<received::LineError>& { return c.errors; },
+                      content);
+}
+
+namespace {
+
+using fixedwidth::take;
+
+// The provider and report date of a first record, where each kind keeps them.
+void describeFirstRecord(const QString& line, WaitingFile& file) {
+    const bool v03 = take(line, 4, 3) == QLatin1String("V03");
+    switch (received::kindOf(line)) {
+        case FileKind::Remittance:
+            file.provider = take(line, v03 ? 12 : 9, 6).trimmed();
+            file.date = received::dateOf(v03 ? take(line, 22, 8) : take(line, 19, 6));
+            break;
+        case FileKind::ErrorReport:
+            file.provider = take(line, 28, 6).trimmed();
+            file.date = received::dateOf(take(line, 39, 8));
+            break;
+        case FileKind::BatchEdit:
+            file.provider = take(line, v03 ? 57 : 55, 6).trimmed();
+            file.date = received::dateOf(take(line, v03 ? 74 : 72, 8));
+            break;
+        case FileKind::Unknown:
+            break;
+    }
+}
+
+QStringList notAnswerFile(const QString& fileName) {
+    return {QStringLiteral("This file does not appear"), QStringLiteral("to be a valid OHIP file."),
+            QStringLiteral("(File name: %1)").arg(fileName)};
+}
+
+}  // namespace
+
+QList<WaitingFile> waitingFiles(const QString& folder) {
+    QList<WaitingFile> files;
+    const QFileInfoList entries =
+        QDir(folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+    for (const QFileInfo& info : entries) {
+        QFile file(info.absoluteFilePath());
+        if (!file.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        // A first record is 79 or 132 characters; more is never needed to describe the file.
+        const QStringList first = received::splitLines(file.read(256));
+        if (first.isEmpty() || received::kindOf(first.first()) == FileKind::Unknown) {
+            continue;
+        }
+        WaitingFile waiting{info.absoluteFilePath(), info.fileName(), {}, {}};
+        describeFirstRecord(first.first(), waiting);
+        files << waiting;
+    }
+    return files;
+}
+
+std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompter& prompter,
+                                         const QString& path, const ReadOptions& options,
+                                         const received::Progress& progress) {
+    const QString fileName = QFileInfo(path).fileName();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        prompter.error({QStringLiteral("Could not open file ") + fileName});
+        return std::nullopt;
+    }
+    const QStringList lines = received::splitLines(file.readAll());
+    const FileKind kind = lines.isEmpty() ? FileKind::Unknown : received::kindOf(lines.first());
+
+    ReceivedAnswer answer;
+    answer.path = path;
+    answer.fileName = fileName;
+    answer.kind = kind;
+    try {
+        switch (kind) {
+            case FileKind::Unknown:
+                prompter.error(notAnswerFile(fileName));
+                return std::nullopt;
+            case FileKind::BatchEdit:
+                if (!batchedit::firstRecordValid(lines.first())) {
+                    prompter.tell(QStringLiteral("OHIP Batch Edit File"),
+                                  {QStringLiteral("This file does not appear to be a valid OHIP "
+                                                  "file.")},
+                                  Icon::Critical);
+                    return std::nullopt;
+                }
+                answer.content = batchedit::read(lines, progress);
+                break;
+            case FileKind::ErrorReport: {
+                if (!errorreport::firstRecordValid(lines.first())) {
+                    prompter.tell(QStringLiteral("OHIP EDT Error Report File"),
+                                  {QStringLiteral("This file does not appear to be a valid OHIP "
+                                                  "file.")},
+                                  Icon::Critical);
+                    return std::nullopt;
+                }
+                errorreport::ErrorReport report = errorreport::read(lines, progress);
+                errorreport::lookUp(db, log, report, options.reconcile,
+                                    options.remittance.autoSplit);
+                answer.reconciled = options.reconcile;
+                answer.content = std::move(report);
+                break;
+            }
+            case FileKind::Remittance: {
+                remittance::Remittance remittance = remittance::read(lines, progress);
+                if (options.reconcile) {
+                    answer.counts = remittance::reconcile(
+                        db, log, remittance, remittance.reference(fileName), options.remittance);
+                    answer.reconciled = true;
+                }
+                answer.content = std::move(remittance);
+                break;
+            }
+        }
+    } catch (const DbError& e) {
+        // The file's one transaction has been rolled back: nothing of it was written.
+        prompter.error(
+            {QStringLiteral("The file %1 was not reconciled; nothing was changed.").arg(fileName),
+             e.message()});
+        return std::nullopt;
+    }
+    return answer;
+}
+
+}  // namespace brimsett
