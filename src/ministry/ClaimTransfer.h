@@ -16,6 +16,11 @@ class TransferWait;
 
 // The three ways of the choice list, numbered as "SubmitMethod" stores them.
 enum class TransferMethod { Disk = 0, DialUp = 1, Folder = 2 };
+// Their names in the choice list, in that order.
+inline QStringList transferMethodNames() {
+    return {QStringLiteral("3.5'' Disk(s)"), QStringLiteral("EDT / Phone Line Dial-Up"),
+            QStringLiteral("EDT / Internet")};
+}
 
 struct TransferPlaces {
     QString officeFolder;  // the program's folder, ending in "/"

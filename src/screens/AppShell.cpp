@@ -6,6 +6,7 @@
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
+#include "screens/ReceiveScreens.h"
 #include "screens/SubmitScreens.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/frmBMain.h"
@@ -133,6 +134,8 @@ void AppShell::registerScreens() {
                         m_sqlLog, m_session.money, m_main.get());
     registerSubmitScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                          m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
+    registerReceiveScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
+                          m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
 }
 
 void AppShell::openOptions() {

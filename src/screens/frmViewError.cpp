@@ -1,0 +1,92 @@
+#include "screens/frmViewError.h"
+
+#include "ministry/AnswerReports.h"
+#include "screens/AnswerGrid.h"
+#include "screens/ReportPreview.h"
+
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeySequence>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace brimsett {
+
+frmViewError::frmViewError(errorreport::ErrorReport report, QString fileName, QDate printed,
+                           MoneyFormat money, reports::ReportStyle style, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      m_report(std::move(report)),
+      m_fileName(std::move(fileName)),
+      m_printed(printed),
+      m_money(money),
+      m_style(std::move(style)) {
+    setWindowTitle(kTitle + QStringLiteral(" - ") + m_fileName);
+
+    m_grid = answergrid::make(this, answerreports::errorGridColumns());
+    m_grid->setObjectName(QStringLiteral("grdErrors"));
+    answergrid::fill(m_grid, answerreports::errorGridRows(m_report, m_money), 30);
+
+    m_total = new QLabel(QStringLiteral("Total Items: %1").arg(m_report.itemCount()), this);
+    m_total->setObjectName(QStringLiteral("lblTotal"));
+
+    auto* messages = new QGroupBox(QStringLiteral("See Messages"), this);
+    m_messages = new QPlainTextEdit(messages);
+    m_messages->setObjectName(QStringLiteral("txtMessages"));
+    m_messages->setReadOnly(true);
+    m_messages->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_messages->setMaximumHeight(m_messages->fontMetrics().lineSpacing() * 6 + 12);
+    m_noMessages = new QLabel(QStringLiteral("This file contains no OHIP messages."), messages);
+    m_noMessages->setObjectName(QStringLiteral("lblNoMessages"));
+    QStringList lines;
+    for (const errorreport::Message& m : std::as_const(m_report.messages)) {
+        lines << m.code + QStringLiteral(" - ") + m.text;
+    }
+    m_messages->setPlainText(lines.join(QLatin1Char('\n')));
+    m_messages->setVisible(!lines.isEmpty());
+    m_noMessages->setVisible(lines.isEmpty());
+    auto* messageLayout = new QVBoxLayout(messages);
+    messageLayout->addWidget(m_messages);
+    messageLayout->addWidget(m_noMessages);
+
+    auto* print = new QPushButton(QStringLiteral("&Print"), this);
+    print->setObjectName(QStringLiteral("cmdPrint"));
+    connect(print, &QPushButton::clicked, this, &frmViewError::printClicked);
+    auto* close = new QPushButton(QStringLiteral("&Close"), this);
+    close->setObjectName(QStringLiteral("cmdClose"));
+    close->setToolTip(QStringLiteral("Esc"));
+    connect(close, &QPushButton::clicked, this, &QWidget::close);
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
+            &QWidget::close);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(m_total);
+    bottom->addStretch();
+    bottom->addWidget(print);
+    bottom->addWidget(close);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_grid, 1);
+    layout->addLayout(bottom);
+    layout->addWidget(messages);
+
+    resize(1150, 520);
+    m_grid->setFocus();
+}
+
+QString frmViewError::totalText() const {
+    return m_total->text();
+}
+
+QString frmViewError::messagesText() const {
+    return m_noMessages->isVisibleTo(this) ? m_noMessages->text() : m_messages->toPlainText();
+}
+
+void frmViewError::printClicked() {
+    showReportPreview(answerreports::errorReportPrintout(m_report, m_fileName, m_printed, m_money),
+                      m_style, this);
+}
+
+}  // namespace brimsett
