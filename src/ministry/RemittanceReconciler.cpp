@@ -1,0 +1,332 @@
+#include "ministry/Remittance.h"
+
+#include "claims/ClaimRecord.h"
+#include "foundation/Database.h"
+#include "foundation/SqlLog.h"
+#include "foundation/SqlStatementBuilder.h"
+
+#include <QSet>
+
+#include <QSqlQuery>
+#include <algorithm>
+
+namespace brimsett::remittance {
+
+namespace {
+
+using Kind = SqlStatementBuilder::Kind;
+
+constexpr int kRejected = static_cast<int>(ItemStatus::Rejected);
+constexpr int kPaid = static_cast<int>(ItemStatus::Paid);
+
+// A claim of the office under the remittance's account number, as read for one claim header.
+struct OfficeClaim {
+    qint64 id = 0;
+    QString ra;
+    QString mohClaim;
+    bool changed = false;
+};
+
+// An item one of the matching queries found.
+struct Found {
+    qint64 claimId = 0;
+    int itemId = 0;
+    std::optional<Money> feeSubm;
+    std::optional<Money> feePaid;
+    int status = 0;
+    QString errors;
+};
+
+// The forms a stored account number may have for the file's: the claim file writes numeric
+// accounts zero-filled to eight digits, and accounts typed elsewhere may be stored without
+// the zeros (or an older file may carry them without).
+QStringList accountForms(const QString& account) {
+    const bool digits =
+        !account.isEmpty() && std::all_of(account.begin(), account.end(), [](QChar c) {
+            return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+        });
+    if (!digits) {
+        return {account};
+    }
+    QString core = account;
+    while (core.size() > 1 && core.startsWith(QLatin1Char('0'))) {
+        core.remove(0, 1);
+    }
+    QStringList forms;
+    for (qsizetype width = core.size(); width <= std::max<qsizetype>(8, account.size()); ++width) {
+        forms << core.rightJustified(width, QLatin1Char('0'));
+    }
+    return forms;
+}
+
+QString placeholders(qsizetype count) {
+    QStringList marks;
+    marks.fill(QStringLiteral("?"), count);
+    return QLatin1Char('(') + marks.join(QLatin1Char(',')) + QLatin1Char(')');
+}
+
+bool holdsReference(const QString& ra, const QString& reference) {
+    return ra.split(QLatin1Char('!')).contains(reference);
+}
+
+class Reconciler {
+public:
+    Reconciler(Database& db, QString reference, const ReconcileOptions& options)
+        : m_db(db), m_reference(std::move(reference)), m_options(options) {}
+
+    // Answers every usable item of the claim header; returns the outcomes in item order.
+    QList<ItemOutcome> claim(const Claim& header);
+    const QStringList& logLines() const { return m_logLines; }
+
+private:
+    void readClaims(const QString& account);
+    std::optional<Found> find(const Item& item);
+    ItemOutcome answer(const Claim& header, const Item& item, const Found& found);
+    void answerPartners(const Item& item, qint64 claimId, int status, const QString& errors);
+    void run(SqlStatementBuilder& b, const QString& condition, const QVariantList& values,
+             const QString& logCondition);
+
+    Database& m_db;
+    QString m_reference;
+    ReconcileOptions m_options;
+    QList<OfficeClaim> m_claims;
+    QSet<qint64> m_referenceAdded;        // claims whose `RA` this reading extended
+    QSet<QPair<qint64, int>> m_answered;  // items an earlier line of the file answered
+    QStringList m_logLines;
+};
+
+void Reconciler::readClaims(const QString& account) {
+    m_claims.clear();
+    if (account.isEmpty()) {
+        return;  // a claim without an account number is no one's
+    }
+    const QStringList forms = accountForms(account);
+    QSqlQuery q = m_db.exec(QStringLiteral("Select ClaimID, RA, MOHClaim From claims Where "
+                                           "AcctNum In ") +
+                                placeholders(forms.size()) + QStringLiteral(" Order By ClaimID"),
+                            QVariantList(forms.begin(), forms.end()),
+                            QStringLiteral("finding the claims of account ") + account);
+    while (q.next()) {
+        m_claims << OfficeClaim{q.value(0).toLongLong(), q.value(1).toString(),
+                                q.value(2).toString()};
+    }
+}
+
+std::optional<Found> Reconciler::find(const Item& item) {
+    static const QString kOpen = QStringLiteral(" And (Status<>2 And Status<>3)");
+    static const QString kFee = QStringLiteral(" And FeeSubm=?");
+    static const QString kCode = QStringLiteral(" And ServiceCode=?");
+    QVariantList ids;
+    for (const OfficeClaim& c : m_claims) {
+        ids << c.id;
+    }
+    const QString head = QStringLiteral(
+                             "Select ClaimID, ItemID, FeeSubm, FeePaid, Status, Errors "
+                             "From items Where ClaimID In ") +
+                         placeholders(ids.size()) + QStringLiteral(" And ServiceDate=?");
+    const QVariant date(item.serviceDate);
+    const QVariant fee = item.submitted->toVariant();
+    const QVariant code(item.serviceCode);
+    // Most exact first; an item already paid or closed is found again only by the last.
+    const QList<std::pair<QString, QVariantList>> queries{
+        {kFee + kOpen + kCode, {date, fee, code}},
+        {kOpen + kCode, {date, code}},
+        {kFee + kOpen, {date, fee}},
+        {kFee + kCode, {date, fee, code}},
+    };
+    for (const auto& [conditions, values] : queries) {
+        QSqlQuery q =
+            m_db.exec(head + conditions + QStringLiteral(" Order By ClaimID, ItemID"), ids + values,
+                      QStringLiteral("finding the item of claim ") + item.mohClaim);
+        while (q.next()) {
+            Found f{
+                q.value(0).toLongLong(),        q.value(1).toInt(), Money::fromVariant(q.value(2)),
+                Money::fromVariant(q.value(3)), q.value(4).toInt(), q.value(5).toString()};
+            // Two lines for two like services answer both items, not one item twice.
+            if (!m_answered.contains({f.claimId, f.itemId})) {
+                return f;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+void Reconciler::run(SqlStatementBuilder& b, const QString& condition, const QVariantList& values,
+                     const QString& logCondition) {
+    const SqlStatementBuilder::Bound bound = b.boundUpdate(condition, values);
+    m_db.exec(bound.sql, bound.values, QStringLiteral("writing the remittance ") + m_reference);
+    m_logLines << b.finishUpdate(logCondition);
+}
+
+ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Found& found) {
+    const QString& expl = item.explCode;
+    Money submitted = *item.submitted;
+    Money paid = *item.paid;
+    bool lowered = false;
+    if (expl == QLatin1String("I2")) {
+        // "I2" is reconciled as paid in full, one way or the other.
+        if (m_options.i2ToFullSubmitted) {
+            paid = submitted;
+        } else {
+            submitted = paid;
+            lowered = true;
+        }
+    } else if (paid > Money() && paid < submitted &&
+               paid.roundedCents() > submitted.roundedCents() * 95 / 100) {
+        // Within 5% counts as paid: the office would not chase the difference.
+        submitted = paid;
+        lowered = true;
+    }
+    const bool fullCode = expl == QLatin1String("55") || expl == QLatin1String("66");
+    const int status = paid >= submitted || fullCode ? kPaid : kRejected;
+
+    SqlStatementBuilder b;
+    b.beginUpdate(QStringLiteral("items"));
+    bool changed = found.feePaid != paid || found.status != status || found.errors != expl;
+    if (lowered && found.feeSubm != submitted) {
+        b.addField(QStringLiteral("FeeSubm"), submitted.toVariant(), Kind::Number);
+        changed = true;
+    }
+    if (changed) {
+        b.addField(QStringLiteral("FeePaid"), paid.toVariant(), Kind::Number);
+        b.addField(QStringLiteral("Status"), status, Kind::Number);
+        b.addField(QStringLiteral("Errors"), expl, Kind::Text);
+        run(b, QStringLiteral("ClaimID=? And ItemID=?"), {found.claimId, found.itemId},
+            QStringLiteral("ClaimID=%1 And ItemID=%2").arg(found.claimId).arg(found.itemId));
+    }
+    m_answered.insert({found.claimId, found.itemId});
+
+    for (OfficeClaim& c : m_claims) {
+        if (c.id != found.claimId) {
+            continue;
+        }
+        if (!holdsReference(c.ra, m_reference)) {
+            c.ra += m_reference + QLatin1Char('!');
+            m_referenceAdded.insert(c.id);
+            c.changed = true;
+        }
+        if (c.mohClaim != header.mohClaim) {
+            c.mohClaim = header.mohClaim;
+            c.changed = true;
+        }
+    }
+    if (m_options.autoSplit) {
+        answerPartners(item, found.claimId, status, expl);
+    }
+    return status == kPaid ? ItemOutcome::Paid : ItemOutcome::Rejected;
+}
+
+// The parts split off a claim share its account number; their items of the same day under
+// another suffix were billed together with this one and share its answer.
+void Reconciler::answerPartners(const Item& item, qint64 claimId, int status,
+                                const QString& errors) {
+    QVariantList others;
+    for (const OfficeClaim& c : m_claims) {
+        if (c.id != claimId) {
+            others << c.id;
+        }
+    }
+    if (others.isEmpty()) {
+        return;
+    }
+    QList<QPair<qint64, int>> partners;
+    {
+        QSqlQuery q = m_db.exec(
+            QStringLiteral("Select ClaimID, ItemID From items Where ClaimID In ") +
+                placeholders(others.size()) +
+                QStringLiteral(" And Status=0 And ServiceDate=? And substr(ServiceCode,5,1)<>?"),
+            others + QVariantList{QVariant(item.serviceDate), item.serviceCode.mid(4, 1)},
+            QStringLiteral("finding the split partners of claim ") + item.mohClaim);
+        while (q.next()) {
+            partners << qMakePair(q.value(0).toLongLong(), q.value(1).toInt());
+        }
+    }
+    for (const auto& [partnerClaim, partnerItem] : partners) {
+        SqlStatementBuilder b;
+        b.beginUpdate(QStringLiteral("items"));
+        b.addField(QStringLiteral("Status"), status, Kind::Number);
+        b.addField(QStringLiteral("Errors"), errors, Kind::Text);
+        run(b, QStringLiteral("ClaimID=? And ItemID=?"), {partnerClaim, partnerItem},
+            QStringLiteral("ClaimID=%1 And ItemID=%2").arg(partnerClaim).arg(partnerItem));
+    }
+}
+
+QList<ItemOutcome> Reconciler::claim(const Claim& header) {
+    QList<ItemOutcome> outcomes(header.items.size(), ItemOutcome::NotReconciled);
+    if (std::none_of(header.items.begin(), header.items.end(),
+                     [](const Item& i) { return i.usable; })) {
+        return outcomes;
+    }
+    readClaims(header.acctNum);
+    for (qsizetype n = 0; n < header.items.size(); ++n) {
+        const Item& item = header.items.at(n);
+        if (!item.usable) {
+            continue;
+        }
+        const std::optional<Found> found = m_claims.isEmpty() ? std::nullopt : find(item);
+        if (found) {
+            outcomes[n] = answer(header, item, *found);
+            continue;
+        }
+        const bool readBefore = std::any_of(m_claims.begin(), m_claims.end(), [&](const auto& c) {
+            return !m_referenceAdded.contains(c.id) && holdsReference(c.ra, m_reference);
+        });
+        outcomes[n] = readBefore ? ItemOutcome::AlreadyRead : ItemOutcome::Unmatched;
+    }
+    for (OfficeClaim& c : m_claims) {
+        if (!c.changed) {
+            continue;
+        }
+        SqlStatementBuilder b;
+        b.beginUpdate(QStringLiteral("claims"));
+        b.addField(QStringLiteral("MOHClaim"), c.mohClaim, Kind::Text);
+        b.addField(QStringLiteral("RA"), c.ra, Kind::Text);
+        run(b, QStringLiteral("ClaimID=?"), {c.id}, QStringLiteral("ClaimID=%1").arg(c.id));
+        c.changed = false;
+    }
+    return outcomes;
+}
+
+}  // namespace
+
+ReconcileCounts reconcile(Database& db, const SqlLog& log, Remittance& remittance,
+                          const QString& reference, const ReconcileOptions& options) {
+    Reconciler reconciler(db, reference, options);
+    QList<QList<ItemOutcome>> outcomes;
+    brimsett::Transaction tx(db, QStringLiteral("reconciling the remittance ") + reference);
+    for (const Claim& claim : remittance.claims) {
+        outcomes << reconciler.claim(claim);
+    }
+    tx.commit();
+    for (const QString& line : reconciler.logLines()) {
+        log.write(line);
+    }
+
+    // The outcomes go on the items only once they are in the database.
+    ReconcileCounts counts;
+    for (qsizetype c = 0; c < remittance.claims.size(); ++c) {
+        QList<Item>& items = remittance.claims[c].items;
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            items[i].outcome = outcomes[c][i];
+            switch (items[i].outcome) {
+                case ItemOutcome::Paid:
+                    ++counts.paid;
+                    break;
+                case ItemOutcome::Rejected:
+                    ++counts.rejected;
+                    break;
+                case ItemOutcome::Unmatched:
+                    ++counts.unmatched;
+                    break;
+                case ItemOutcome::AlreadyRead:
+                    ++counts.alreadyRead;
+                    break;
+                case ItemOutcome::NotReconciled:
+                    break;
+            }
+        }
+    }
+    return counts;
+}
+
+}  // namespace brimsett::remittance
