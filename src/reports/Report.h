@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Money.h"
+
 #include <qnamespace.h>
 #include <QList>
 #include <QString>
@@ -21,8 +23,20 @@ struct ReportColumn {
     int weight = 0;
 };
 
+// Sums printed at the foot of every page a table reaches: the label, then in each of
+// `columns` the sum of the amounts of the table's rows on that page. `amounts` holds, per row,
+// one amount for each of `columns`; a row without them (a subtotal) adds nothing.
+struct PageTotals {
+    QString label;
+    QList<int> columns;
+    QList<QList<Money>> amounts;
+    MoneyFormat format;
+    bool isSet() const { return !columns.isEmpty(); }
+};
+
 // A table: the captions repeat at the top of every page it spans; total rows come last,
-// in bold under a rule. A row shorter than the columns leaves the rest empty.
+// in bold under a rule. A row shorter than the columns leaves the rest empty; a cell's line
+// breaks start new lines within the cell.
 struct ReportTable {
     QList<ReportColumn> columns;
     QList<QStringList> rows;
@@ -30,6 +44,9 @@ struct ReportTable {
     // Rows (by index into rows) that begin a group, such as a claim's first item: a thin rule
     // goes above each but the first.
     QList<int> groupStarts;
+    // Rows (by index into rows) in bold, such as a subtotal amid the rows.
+    QList<int> boldRows;
+    PageTotals pageTotals;
 };
 
 // A line of the totals under a table: the label and its value, in bold at the right.
@@ -47,6 +64,8 @@ public:
     };
     struct Paragraph {
         QString text;
+        // Text whose columns are aligned with spaces: a fixed-pitch font, lines never wrap.
+        bool fixedPitch = false;
     };
     using Block = std::variant<ReportTable, Totals, Paragraph>;
 
@@ -62,6 +81,9 @@ public:
     // Consecutive total lines are kept together.
     void addTotal(const QString& label, const QString& value);
     void addParagraph(const QString& text) { m_blocks << Block(Paragraph{text}); }
+    void addFixedPitchText(const QStringList& lines) {
+        m_blocks << Block(Paragraph{lines.join(QLatin1Char('\n')), true});
+    }
     // Wide tables print across the page.
     void setLandscape(bool on) { m_landscape = on; }
 

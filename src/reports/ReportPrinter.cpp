@@ -1,5 +1,8 @@
 #include "reports/ReportPrinter.h"
 
+#include "reports/ReportMeasure.h"
+#include "reports/ReportPageTotals.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -18,19 +21,9 @@ namespace brimsett::reports {
 
 namespace {
 
-// Lengths inside the document are in pixels of a 96 dpi screen; the layout scales them to
-// the device.
-constexpr qreal kCellPadding = 3;
 constexpr qreal kBlockGap = 10;
 const QColor kRule = Qt::black;
 const QColor kGroupRule = QColor(0xb0, 0xb0, 0xb0);
-
-QFont bodyFont(const ReportStyle& style) {
-    QFont font(style.fontFamily);
-    font.setStyleHint(QFont::SansSerif);
-    font.setPointSizeF(style.fontSize);
-    return font;
-}
 
 QTextBlockFormat blockFormat(const ReportStyle& style, Qt::Alignment alignment = Qt::AlignLeft) {
     QTextBlockFormat format;
@@ -79,85 +72,8 @@ void ruleAbove(QTextTable* table, int row, qreal width, const QColor& color) {
     }
 }
 
-qreal sum(const QList<qreal>& list) {
-    return std::accumulate(list.cbegin(), list.cend(), qreal(0));
-}
-
-// Texts measured as the document lays them out: in pixels of a 96 dpi screen.
-QFontMetricsF metricsOf(const QFont& font) {
-    static QImage screen = [] {
-        QImage image(1, 1, QImage::Format_RGB32);
-        image.setDotsPerMeterX(3780);
-        image.setDotsPerMeterY(3780);
-        return image;
-    }();
-    return QFontMetricsF(font, &screen);
-}
-
-// Each column's share of the width: the weights given; else every column gets room for its
-// widest cell and the longest word of its caption, then the room left goes first to captions
-// that would wrap, then to every column alike. A table too wide for the page narrows every
-// column alike. Without a known width the widest texts decide the shares.
-QList<QTextLength> columnWidths(const ReportTable& source, const ReportStyle& style,
-                                qreal available) {
-    const int count = static_cast<int>(source.columns.size());
-    QList<qreal> widths;
-    qreal weights = 0;
-    for (const ReportColumn& c : source.columns) {
-        weights += c.weight;
-    }
-    if (weights > 0) {
-        for (const ReportColumn& c : source.columns) {
-            widths << c.weight;
-        }
-    } else {
-        QFont boldFont = bodyFont(style);
-        boldFont.setBold(true);
-        const QFontMetricsF plain = metricsOf(bodyFont(style));
-        const QFontMetricsF bold = metricsOf(boldFont);
-        const qreal gap = 2 * kCellPadding + plain.horizontalAdvance(QStringLiteral("M"));
-        QList<qreal> least;  // cells and the caption's longest word
-        QList<qreal> whole;  // cells and the whole caption
-        for (int c = 0; c < count; ++c) {
-            qreal cells = 0;
-            for (const QStringList& row : source.rows) {
-                cells = std::max(cells, c < row.size() ? plain.horizontalAdvance(row.at(c)) : 0);
-            }
-            for (const QStringList& row : source.totals) {
-                cells = std::max(cells, c < row.size() ? bold.horizontalAdvance(row.at(c)) : 0);
-            }
-            const QString& caption = source.columns.at(c).caption;
-            qreal word = 0;
-            for (const QString& w : caption.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-                word = std::max(word, bold.horizontalAdvance(w));
-            }
-            least << std::max(cells, word) + gap;
-            whole << std::max(cells, bold.horizontalAdvance(caption)) + gap;
-        }
-        if (available <= 0 || sum(whole) <= available) {
-            widths = whole;
-        } else if (sum(least) <= available) {
-            // Captions wrap only as far as they must.
-            const qreal room = available - sum(least);
-            const qreal wanted = sum(whole) - sum(least);
-            for (int c = 0; c < count; ++c) {
-                widths << least.at(c) + room * (whole.at(c) - least.at(c)) / wanted;
-            }
-        } else {
-            widths = least;
-        }
-    }
-    // Room left over, or missing, is shared in proportion.
-    const qreal total = sum(widths);
-    QList<QTextLength> lengths;
-    for (qreal w : widths) {
-        lengths << QTextLength(QTextLength::PercentageLength, total > 0 ? 100.0 * w / total : 0);
-    }
-    return lengths;
-}
-
 void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle& style,
-              qreal available) {
+              qreal available, int blockIndex) {
     const int columns = static_cast<int>(source.columns.size());
     if (columns == 0) {
         return;
@@ -174,6 +90,7 @@ void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle&
     format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
     format.setTopMargin(kBlockGap);
     format.setColumnWidthConstraints(columnWidths(source, style, available));
+    format.setProperty(kReportBlockProperty, blockIndex);
 
     cursor.movePosition(QTextCursor::End);
     QTextTable* table = cursor.insertTable(rows, columns, format);
@@ -197,8 +114,8 @@ void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle&
         }
         ++row;
     };
-    for (const QStringList& texts : source.rows) {
-        putRow(texts, plain);
+    for (int r = 0; r < source.rows.size(); ++r) {
+        putRow(source.rows.at(r), source.boldRows.contains(r) ? bold : plain);
     }
     for (int start : source.groupStarts) {
         if (start > 0 && start < source.rows.size()) {
@@ -235,12 +152,31 @@ void addTotals(QTextCursor& cursor, const Report::Totals& totals, const ReportSt
     cursor.movePosition(QTextCursor::End);
 }
 
+// Lines whose columns are aligned with spaces, in a fixed-pitch font small enough for the
+// widest line to fit; they never wrap.
+void addFixedPitch(QTextCursor& cursor, const QString& text, const ReportStyle& style,
+                   qreal available) {
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    QTextCharFormat chars;
+    chars.setFont(fixedPitchFont(style, lines, available));
+    QTextBlockFormat format = blockFormat(style);
+    format.setNonBreakableLines(true);
+    format.setTopMargin(kBlockGap);
+    for (const QString& line : lines) {
+        startBlock(cursor, format, chars);
+        cursor.insertText(line, chars);
+        format.setTopMargin(0);
+    }
+}
+
 // The document laid out on the pages of one device.
 struct Pages {
     std::unique_ptr<QTextDocument> document;
     QRectF body;    // the text of every page, in the painter's coordinates
     QRectF footer;  // the page's last line
     int count = 0;
+    QList<PageFooting> footings;  // in the lines under the body
+    qreal line = 0;
 };
 
 Pages layOut(const Report& report, const ReportStyle& style, QPaintDevice* device,
@@ -249,7 +185,8 @@ Pages layOut(const Report& report, const ReportStyle& style, QPaintDevice* devic
     const QFontMetricsF metrics(bodyFont(style), device);
     const qreal line = metrics.lineSpacing() * style.lineHeight;
     const qreal top = style.skipHeaderLines * line;
-    const qreal footer = 2 * line;
+    const qreal footer = (2 + footingLines(report)) * line;
+    pages.line = line;
     pages.body = QRectF(0, top, printable.width(), printable.height() - top - footer);
     pages.document = buildDocument(report, style, printable.width() * 96.0 / device->logicalDpiX());
     pages.document->documentLayout()->setPaintDevice(device);
@@ -257,6 +194,7 @@ Pages layOut(const Report& report, const ReportStyle& style, QPaintDevice* devic
                           metrics.lineSpacing());
     pages.document->setPageSize(pages.body.size());
     pages.count = pages.document->pageCount();
+    pages.footings = footingsOf(report, *pages.document, pages.body.height());
     return pages;
 }
 
@@ -270,6 +208,13 @@ void paintPage(QPainter& painter, const Pages& pages, int page, const Report& re
     context.clip = view;
     context.palette.setColor(QPalette::Text, Qt::black);
     pages.document->documentLayout()->draw(&painter, context);
+    painter.restore();
+
+    QFont bold = bodyFont(style);
+    bold.setBold(true);
+    painter.save();
+    painter.translate(pages.body.left(), 0);
+    paintFootings(painter, pages.footings, page, pages.body.bottom(), pages.line, bold);
     painter.restore();
 
     painter.save();
@@ -306,12 +251,16 @@ std::unique_ptr<QTextDocument> buildDocument(const Report& report, const ReportS
         cursor.insertText(line, QTextCharFormat());
     }
 
-    for (const Report::Block& block : report.blocks()) {
+    for (int b = 0; b < report.blocks().size(); ++b) {
+        const Report::Block& block = report.blocks().at(b);
         if (const auto* table = std::get_if<ReportTable>(&block)) {
-            addTable(cursor, *table, style, width);
+            addTable(cursor, *table, style, width, b);
         } else if (const auto* totals = std::get_if<Report::Totals>(&block)) {
             addTotals(cursor, *totals, style);
-        } else if (const auto* paragraph = std::get_if<Report::Paragraph>(&block)) {
+        } else if (const auto* paragraph = std::get_if<Report::Paragraph>(&block);
+                   paragraph && paragraph->fixedPitch) {
+            addFixedPitch(cursor, paragraph->text, style, width);
+        } else if (paragraph) {
             QTextBlockFormat format = blockFormat(style);
             format.setTopMargin(kBlockGap);
             startBlock(cursor, format);
@@ -384,6 +333,17 @@ QImage ReportPrinter::pageImage(int page, int dotsPerInch) const {
     painter.translate(printable.topLeft());
     paintPage(painter, pages, page, m_report, m_style);
     return image;
+}
+
+QList<PageTotal> ReportPrinter::pageTotals(int dotsPerInch) const {
+    const QPageLayout layout = pageLayout();
+    QImage image = sheet(layout, dotsPerInch);
+    QList<PageTotal> totals;
+    for (const PageFooting& footing :
+         layOut(m_report, m_style, &image, layout.paintRectPixels(dotsPerInch).size()).footings) {
+        totals << footing.total;
+    }
+    return totals;
 }
 
 int ReportPrinter::pageCount(int dotsPerInch) const {

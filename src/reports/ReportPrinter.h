@@ -19,6 +19,13 @@ namespace brimsett::reports {
 std::unique_ptr<QTextDocument> buildDocument(const Report& report, const ReportStyle& style,
                                              qreal width = 0);
 
+// What the foot of one page says for a table with page totals.
+struct PageTotal {
+    int page = 0;  // counted from 0
+    QString label;
+    QList<Money> sums;  // in the order of the table's PageTotals::columns
+};
+
 // Lays a report out on pages and paints them: onto a printer (the print preview), a PDF
 // file, or a picture of one page. Every page ends with the title and "Page n of m".
 class ReportPrinter {
@@ -43,6 +50,8 @@ public:
     // One page (counted from 0) as a picture of the whole sheet at the given resolution.
     QImage pageImage(int page, int dotsPerInch = 96) const;
     int pageCount(int dotsPerInch = 96) const;
+    // The page totals as laid out at that resolution, by page.
+    QList<PageTotal> pageTotals(int dotsPerInch = 96) const;
 
 private:
     Report m_report;

@@ -5,9 +5,11 @@
 #include "reports/ReportPrinter.h"
 
 #include <QFile>
+#include <QFontInfo>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFrame>
+#include <QTextLayout>
 #include <QTextTable>
 #include <QtTest>
 
@@ -66,6 +68,17 @@ QStringList paragraphsOf(const QTextDocument& document) {
         }
     }
     return lines;
+}
+
+bool inkIn(const QImage& image, QRect band) {
+    for (int y = band.top(); y <= band.bottom(); ++y) {
+        for (int x = band.left(); x <= band.right(); ++x) {
+            if (qGray(image.pixel(x, y)) < 128) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -154,22 +167,95 @@ private slots:
         QVERIFY(ReportPrinter(report, skipping).pageCount() > pages);
     }
 
+    void pageTotalsSumTheRowsOfEachPage() {
+        // Amounts of i cents make each page's total tell which rows it took; every tenth row
+        // is a subtotal with no amounts, which adds nothing.
+        Report report(QStringLiteral("Remittance"));
+        ReportTable table;
+        table.columns = {{QStringLiteral("Claim")},
+                         {QStringLiteral("Billed"), Qt::AlignRight},
+                         {QStringLiteral("Paid"), Qt::AlignRight}};
+        table.pageTotals.label = QStringLiteral("Page total");
+        table.pageTotals.columns = {1, 2};
+        Money billed;
+        for (int i = 1; i <= 150; ++i) {
+            if (i % 10 == 0) {
+                table.boldRows << static_cast<int>(table.rows.size());
+                table.rows << L{QStringLiteral("Provider total"), QStringLiteral("$99,999.00")};
+                table.pageTotals.amounts << QList<Money>{};
+            }
+            table.rows << L{QString::number(i), Money::fromCents(i).currency(), QString()};
+            table.pageTotals.amounts << QList<Money>{Money::fromCents(i), -Money::fromCents(i)};
+            billed += Money::fromCents(i);
+        }
+        report.addTable(table);
+        report.addParagraph(QStringLiteral("After the table."));
+        const ReportPrinter printer(report, ReportStyle{});
+        const int pages = printer.pageCount();
+        QVERIFY2(pages >= 3, qPrintable(QString::number(pages)));
+        const QList<PageTotal> totals = printer.pageTotals();
+        QCOMPARE(totals.size(), pages);
+        int last = 0;  // the last row counted so far
+        Money all;
+        for (int page = 0; page < pages; ++page) {
+            const PageTotal& total = totals.at(page);
+            QCOMPARE(total.page, page);
+            QCOMPARE(total.label, QStringLiteral("Page total"));
+            QCOMPARE(total.sums.size(), 2);
+            QCOMPARE(total.sums.at(1), -total.sums.at(0));
+            // The page took the rows after the last page's, in order.
+            Money run;
+            while (run < total.sums.at(0) && last < 150) {
+                run += Money::fromCents(++last);
+            }
+            QCOMPARE(run, total.sums.at(0));
+            all += total.sums.at(0);
+        }
+        QCOMPARE(last, 150);
+        QCOMPARE(all, billed);
+        QCOMPARE(printer.pageTotals(300).size(), pages);
+        // The total is printed under the body, above the page's footer line.
+        const QImage image = printer.pageImage(0, 96);
+        const QRect foot(57, 936, 700, 18);
+        QVERIFY(inkIn(image, foot));
+        QVERIFY(!inkIn(ReportPrinter(sample(), ReportStyle{}).pageImage(0, 96), foot));
+        const QString shot = qEnvironmentVariable("BRIMSETT_SHOTS");
+        if (!shot.isEmpty()) {
+            image.save(shot + QStringLiteral("/report-page-totals.png"));
+        }
+    }
+
+    void fixedPitchTextKeepsItsColumns() {
+        Report report(QStringLiteral("Messages"));
+        const QString wide = QStringLiteral(
+            "CATEGORY  TYPE OF       BILLING  PATIENTS ENCOUNTERS "
+            "SERVICES   AMOUNT  ");
+        report.addFixedPitchText({wide, QStringLiteral("          CLAIM          NUMBER")});
+        // Narrow pages shrink the font rather than wrap.
+        for (qreal width : {0.0, 700.0, 300.0}) {
+            auto document = buildDocument(report, ReportStyle{}, width);
+            document->setTextWidth(width > 0 ? width : 2000);
+            document->size();  // lays it out
+            QTextBlock block = document->findBlockByNumber(1);
+            QCOMPARE(block.text(), wide);
+            QCOMPARE(block.layout()->lineCount(), 1);
+            QTextCursor cursor(block);
+            cursor.movePosition(QTextCursor::NextCharacter);
+            QVERIFY(QFontInfo(cursor.charFormat().font()).fixedPitch());
+            if (width > 0) {
+                QVERIFY(block.layout()->lineAt(0).naturalTextWidth() <= width);
+            }
+            QCOMPARE(document->findBlockByNumber(2).text(),
+                     QStringLiteral("          CLAIM          NUMBER"));
+        }
+    }
+
     void pageImageShowsTheReport() {
         const QImage image = ReportPrinter(sample(), ReportStyle{}).pageImage(0, 96);
         // Something dark in the title's band and in the table's band, white in the margin.
-        const auto inkIn = [&image](QRect band) {
-            for (int y = band.top(); y <= band.bottom(); ++y) {
-                for (int x = band.left(); x <= band.right(); ++x) {
-                    if (qGray(image.pixel(x, y)) < 128) {
-                        return true;
-                    }
-                }
-            }
-            return false;
-        };
-        QVERIFY(inkIn(QRect(100, 57, 616, 40)));
-        QVERIFY(inkIn(QRect(57, 150, 700, 100)));
-        QVERIFY(!inkIn(QRect(0, 0, 816, 50)));
+        QVERIFY(inkIn(image, QRect(100, 57, 616, 40)));
+        QVERIFY(inkIn(image, QRect(57, 150, 700, 100)));
+        QVERIFY(!inkIn(image, QRect(0, 0, 816, 50)));
         const QString shot = qEnvironmentVariable("BRIMSETT_SHOTS");
         if (!shot.isEmpty()) {
             image.save(shot + QStringLiteral("/report-sample.png"));
