@@ -189,7 +189,7 @@ std::optional<ItemRecord> Matcher::find(const QList<qint64>& claimIds, const Ite
 }
 
 ItemOutcome Matcher::apply(const QList<qint64>& claimIds, const Claim& claim, const Item& item) {
-    // An item the ministry could not read a service code from names no item of ours.
+    // A record of error codes alone, without a service code, names no item of ours.
     if (item.serviceCode.isEmpty()) {
         return ItemOutcome::NotApplied;
     }
