@@ -4,10 +4,11 @@
 #include "foundation/Database.h"
 #include "foundation/SqlLog.h"
 #include "foundation/SqlStatementBuilder.h"
+#include "ministry/RemittanceQueries.h"
 
 #include <QSet>
-
 #include <QSqlQuery>
+
 #include <algorithm>
 
 namespace brimsett::remittance {
@@ -36,34 +37,6 @@ struct Found {
     int status = 0;
     QString errors;
 };
-
-// The forms a stored account number may have for the file's: the claim file writes numeric
-// accounts zero-filled to eight digits, and accounts typed elsewhere may be stored without
-// the zeros (or an older file may carry them without).
-QStringList accountForms(const QString& account) {
-    const bool digits =
-        !account.isEmpty() && std::all_of(account.begin(), account.end(), [](QChar c) {
-            return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-        });
-    if (!digits) {
-        return {account};
-    }
-    QString core = account;
-    while (core.size() > 1 && core.startsWith(QLatin1Char('0'))) {
-        core.remove(0, 1);
-    }
-    QStringList forms;
-    for (qsizetype width = core.size(); width <= std::max<qsizetype>(8, account.size()); ++width) {
-        forms << core.rightJustified(width, QLatin1Char('0'));
-    }
-    return forms;
-}
-
-QString placeholders(qsizetype count) {
-    QStringList marks;
-    marks.fill(QStringLiteral("?"), count);
-    return QLatin1Char('(') + marks.join(QLatin1Char(',')) + QLatin1Char(')');
-}
 
 bool holdsReference(const QString& ra, const QString& reference) {
     return ra.split(QLatin1Char('!')).contains(reference);
@@ -100,11 +73,8 @@ void Reconciler::readClaims(const QString& account) {
     if (account.isEmpty()) {
         return;  // a claim without an account number is no one's
     }
-    const QStringList forms = accountForms(account);
-    QSqlQuery q = m_db.exec(QStringLiteral("Select ClaimID, RA, MOHClaim From claims Where "
-                                           "AcctNum In ") +
-                                placeholders(forms.size()) + QStringLiteral(" Order By ClaimID"),
-                            QVariantList(forms.begin(), forms.end()),
+    const query::Statement claims = query::claimsOfAccount(account);
+    QSqlQuery q = m_db.exec(claims.sql, claims.values,
                             QStringLiteral("finding the claims of account ") + account);
     while (q.next()) {
         m_claims << OfficeClaim{q.value(0).toLongLong(), q.value(1).toString(),
@@ -113,35 +83,23 @@ void Reconciler::readClaims(const QString& account) {
 }
 
 std::optional<Found> Reconciler::find(const Item& item) {
-    static const QString kOpen = QStringLiteral(" And (Status<>2 And Status<>3)");
-    static const QString kFee = QStringLiteral(" And FeeSubm=?");
-    static const QString kCode = QStringLiteral(" And ServiceCode=?");
     QVariantList ids;
     for (const OfficeClaim& c : m_claims) {
         ids << c.id;
     }
-    const QString head = QStringLiteral(
-                             "Select ClaimID, ItemID, FeeSubm, FeePaid, Status, Errors "
-                             "From items Where ClaimID In ") +
-                         placeholders(ids.size()) + QStringLiteral(" And ServiceDate=?");
-    const QVariant date(item.serviceDate);
-    const QVariant fee = item.submitted->toVariant();
-    const QVariant code(item.serviceCode);
-    // Most exact first; an item already paid or closed is found again only by the last.
-    const QList<std::pair<QString, QVariantList>> queries{
-        {kFee + kOpen + kCode, {date, fee, code}},
-        {kOpen + kCode, {date, code}},
-        {kFee + kOpen, {date, fee}},
-        {kFee + kCode, {date, fee, code}},
-    };
-    for (const auto& [conditions, values] : queries) {
-        QSqlQuery q =
-            m_db.exec(head + conditions + QStringLiteral(" Order By ClaimID, ItemID"), ids + values,
-                      QStringLiteral("finding the item of claim ") + item.mohClaim);
+    for (int which = 0; which < query::kItemQueries; ++which) {
+        const query::Statement find =
+            query::item(which, ids, item.serviceDate, *item.submitted, item.serviceCode);
+        QSqlQuery q = m_db.exec(find.sql, find.values,
+                                QStringLiteral("finding the item of claim ") + item.mohClaim);
         while (q.next()) {
-            Found f{
-                q.value(0).toLongLong(),        q.value(1).toInt(), Money::fromVariant(q.value(2)),
-                Money::fromVariant(q.value(3)), q.value(4).toInt(), q.value(5).toString()};
+            Found f;
+            f.claimId = q.value(0).toLongLong();
+            f.itemId = q.value(1).toInt();
+            f.feeSubm = Money::fromVariant(q.value(2));
+            f.feePaid = Money::fromVariant(q.value(3));
+            f.status = q.value(4).toInt();
+            f.errors = q.value(5).toString();
             // Two lines for two like services answer both items, not one item twice.
             if (!m_answered.contains({f.claimId, f.itemId})) {
                 return f;
@@ -231,12 +189,11 @@ void Reconciler::answerPartners(const Item& item, qint64 claimId, int status,
     }
     QList<QPair<qint64, int>> partners;
     {
-        QSqlQuery q = m_db.exec(
-            QStringLiteral("Select ClaimID, ItemID From items Where ClaimID In ") +
-                placeholders(others.size()) +
-                QStringLiteral(" And Status=0 And ServiceDate=? And substr(ServiceCode,5,1)<>?"),
-            others + QVariantList{QVariant(item.serviceDate), item.serviceCode.mid(4, 1)},
-            QStringLiteral("finding the split partners of claim ") + item.mohClaim);
+        const query::Statement find =
+            query::partners(others, item.serviceDate, item.serviceCode.mid(4, 1));
+        QSqlQuery q =
+            m_db.exec(find.sql, find.values,
+                      QStringLiteral("finding the split partners of claim ") + item.mohClaim);
         while (q.next()) {
             partners << qMakePair(q.value(0).toLongLong(), q.value(1).toInt());
         }

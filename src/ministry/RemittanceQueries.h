@@ -1,0 +1,38 @@
+#pragma once
+
+#include "foundation/Money.h"
+
+#include <QDate>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+// The statements that match a remittance's lines to the office's claims and items, with their
+// bound values: the reconciler runs them and the benchmark checks their plans.
+namespace brimsett::remittance::query {
+
+struct Statement {
+    QString sql;
+    QVariantList values;
+};
+
+// The forms a stored account number may have for the file's: the claim file writes numeric
+// accounts zero-filled to eight digits, and accounts typed elsewhere may be stored without
+// the zeros (or an older file may carry them without).
+QStringList accountForms(const QString& account);
+
+// ClaimID, RA, MOHClaim of the claims of an account number, by ClaimID.
+Statement claimsOfAccount(const QString& account);
+
+// The item queries in the order they are tried, most exact first; an item already paid or
+// closed is found again only by the last. Each gives ClaimID, ItemID, FeeSubm, FeePaid,
+// Status, Errors of the items of `claimIds` on the service date, by ClaimID and ItemID.
+inline constexpr int kItemQueries = 4;
+Statement item(int which, const QVariantList& claimIds, const QDate& serviceDate,
+               const Money& submitted, const QString& serviceCode);
+
+// ClaimID, ItemID of the items of `claimIds` still unanswered on the service date under
+// another suffix than `suffix`.
+Statement partners(const QVariantList& claimIds, const QDate& serviceDate, const QString& suffix);
+
+}  // namespace brimsett::remittance::query
