@@ -47,6 +47,7 @@ struct ReportTable {
     // Rows (by index into rows) in bold, such as a subtotal amid the rows.
     QList<int> boldRows;
     PageTotals pageTotals;
+    bool startsPage = false;  // printed from the top of a new page
 };
 
 // A line of the totals under a table: the label and its value, in bold at the right.

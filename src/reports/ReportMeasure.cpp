@@ -61,13 +61,58 @@ QFontMetricsF metricsOf(const QFont& font) {
     return QFontMetricsF(font, &screen);
 }
 
+namespace {
+
+// What each column needs at a font size: room for its widest cell and the longest word of its
+// caption (least), or for the whole caption (whole).
+struct Needs {
+    QList<qreal> least;
+    QList<qreal> whole;
+};
+
+Needs needsOf(const ReportTable& source, const ReportStyle& style, qreal pointSize) {
+    QFont plainFont = bodyFont(style);
+    plainFont.setPointSizeF(pointSize);
+    QFont boldFont = plainFont;
+    boldFont.setBold(true);
+    const QFontMetricsF plain = metricsOf(plainFont);
+    const QFontMetricsF bold = metricsOf(boldFont);
+    const qreal gap = 2 * kCellPadding + plain.horizontalAdvance(QStringLiteral("M"));
+    Needs needs;
+    for (int c = 0; c < source.columns.size(); ++c) {
+        qreal cells = 0;
+        for (int r = 0; r < source.rows.size(); ++r) {
+            const QStringList& row = source.rows.at(r);
+            const QFontMetricsF& metrics = source.boldRows.contains(r) ? bold : plain;
+            cells = std::max(cells, c < row.size() ? widthOf(metrics, row.at(c)) : 0);
+        }
+        for (const QStringList& row : source.totals) {
+            cells = std::max(cells, c < row.size() ? widthOf(bold, row.at(c)) : 0);
+        }
+        for (const QString& text : pageTotalTexts(source, c)) {
+            cells = std::max(cells, bold.horizontalAdvance(text));
+        }
+        const QString& caption = source.columns.at(c).caption;
+        qreal word = 0;
+        for (const QString& w : caption.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            word = std::max(word, bold.horizontalAdvance(w));
+        }
+        needs.least << std::max(cells, word) + gap;
+        needs.whole << std::max(cells, bold.horizontalAdvance(caption)) + gap;
+    }
+    return needs;
+}
+
+}  // namespace
+
 // Each column's share of the width: the weights given; else every column gets room for its
 // widest cell and the longest word of its caption, then the room left goes first to captions
-// that would wrap, then to every column alike. A table too wide for the page narrows every
-// column alike. Without a known width the widest texts decide the shares.
-QList<QTextLength> columnWidths(const ReportTable& source, const ReportStyle& style,
-                                qreal available) {
+// that would wrap, then to every column alike. A table too wide for the page prints in a
+// smaller font, down to two thirds of the style's, and beyond that narrows every column
+// alike. Without a known width the widest texts decide the shares.
+TableWidths columnWidths(const ReportTable& source, const ReportStyle& style, qreal available) {
     const int count = static_cast<int>(source.columns.size());
+    TableWidths result{{}, static_cast<qreal>(style.fontSize)};
     QList<qreal> widths;
     qreal weights = 0;
     for (const ReportColumn& c : source.columns) {
@@ -78,34 +123,16 @@ QList<QTextLength> columnWidths(const ReportTable& source, const ReportStyle& st
             widths << c.weight;
         }
     } else {
-        QFont boldFont = bodyFont(style);
-        boldFont.setBold(true);
-        const QFontMetricsF plain = metricsOf(bodyFont(style));
-        const QFontMetricsF bold = metricsOf(boldFont);
-        const qreal gap = 2 * kCellPadding + plain.horizontalAdvance(QStringLiteral("M"));
-        QList<qreal> least;  // cells and the caption's longest word
-        QList<qreal> whole;  // cells and the whole caption
-        for (int c = 0; c < count; ++c) {
-            qreal cells = 0;
-            for (int r = 0; r < source.rows.size(); ++r) {
-                const QStringList& row = source.rows.at(r);
-                const QFontMetricsF& metrics = source.boldRows.contains(r) ? bold : plain;
-                cells = std::max(cells, c < row.size() ? widthOf(metrics, row.at(c)) : 0);
-            }
-            for (const QStringList& row : source.totals) {
-                cells = std::max(cells, c < row.size() ? widthOf(bold, row.at(c)) : 0);
-            }
-            for (const QString& text : pageTotalTexts(source, c)) {
-                cells = std::max(cells, bold.horizontalAdvance(text));
-            }
-            const QString& caption = source.columns.at(c).caption;
-            qreal word = 0;
-            for (const QString& w : caption.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-                word = std::max(word, bold.horizontalAdvance(w));
-            }
-            least << std::max(cells, word) + gap;
-            whole << std::max(cells, bold.horizontalAdvance(caption)) + gap;
+        const qreal smallest = style.fontSize * 2.0 / 3.0;
+        Needs needs = needsOf(source, style, result.pointSize);
+        // Advances do not scale exactly with the size, so shrink until the table fits.
+        while (available > 0 && sum(needs.least) > available && result.pointSize > smallest) {
+            result.pointSize =
+                std::max(smallest, result.pointSize * std::min(0.97, available / sum(needs.least)));
+            needs = needsOf(source, style, result.pointSize);
         }
+        const QList<qreal>& least = needs.least;
+        const QList<qreal>& whole = needs.whole;
         if (available <= 0 || sum(whole) <= available) {
             widths = whole;
         } else if (sum(least) <= available) {
@@ -121,11 +148,11 @@ QList<QTextLength> columnWidths(const ReportTable& source, const ReportStyle& st
     }
     // Room left over, or missing, is shared in proportion.
     const qreal total = sum(widths);
-    QList<QTextLength> lengths;
     for (qreal w : widths) {
-        lengths << QTextLength(QTextLength::PercentageLength, total > 0 ? 100.0 * w / total : 0);
+        result.lengths << QTextLength(QTextLength::PercentageLength,
+                                      total > 0 ? 100.0 * w / total : 0);
     }
-    return lengths;
+    return result;
 }
 
 QFont fixedPitchFont(const ReportStyle& style, const QStringList& lines, qreal available) {

@@ -82,7 +82,12 @@ QList<PageFooting> footingsOf(const Report& report, const QTextDocument& documen
             cells[0].setRight(cells.at(1).left());
         }
         for (const auto& [page, sum] : sums) {
-            PageFooting footing{PageTotal{page, totals.label, sum}, slot, cells, {}, alignments};
+            PageFooting footing{PageTotal{page, totals.label, sum},
+                                slot,
+                                cells,
+                                {},
+                                alignments,
+                                table->format().doubleProperty(kTablePointSizeProperty)};
             footing.texts << totals.label;
             for (const Money& amount : sum) {
                 footing.texts << amount.currency(totals.format);
@@ -94,14 +99,18 @@ QList<PageFooting> footingsOf(const Report& report, const QTextDocument& documen
 }
 
 void paintFootings(QPainter& painter, const QList<PageFooting>& footings, int page, qreal top,
-                   qreal line, const QFont& font) {
+                   qreal line, QFont font) {
     painter.save();
-    painter.setFont(font);
+    font.setBold(true);
     painter.setPen(Qt::black);
     for (const PageFooting& footing : footings) {
         if (footing.total.page != page) {
             continue;
         }
+        if (footing.pointSize > 0) {
+            font.setPointSizeF(footing.pointSize);
+        }
+        painter.setFont(font);
         const qreal y = top + footing.slot * line;
         for (int i = 0; i < footing.cells.size() && i < footing.texts.size(); ++i) {
             const QRectF cell = footing.cells.at(i);

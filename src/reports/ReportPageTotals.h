@@ -14,6 +14,8 @@ namespace brimsett::reports {
 
 // The property of a document table that names the report block it shows (its index).
 inline constexpr int kReportBlockProperty = QTextFormat::UserProperty + 1;
+// The point size of a document table's texts.
+inline constexpr int kTablePointSizeProperty = QTextFormat::UserProperty + 2;
 
 // One page total laid out: what it says and where its texts go across the page.
 struct PageFooting {
@@ -22,6 +24,7 @@ struct PageFooting {
     QList<QRectF> cells;  // the label's column, then each summed column (x and width)
     QStringList texts;    // the label, then each sum
     QList<Qt::Alignment> alignments;
+    qreal pointSize = 0;  // the table's
 };
 
 // The lines the feet of the pages keep free: one for each table with page totals.
@@ -31,8 +34,9 @@ int footingLines(const Report& report);
 QList<PageFooting> footingsOf(const Report& report, const QTextDocument& document,
                               qreal pageHeight);
 
-// Paints the page's totals in the lines that start at `top`, each `line` high.
+// Paints the page's totals in the lines that start at `top`, each `line` high, in the bold
+// of the font at each table's size.
 void paintFootings(QPainter& painter, const QList<PageFooting>& footings, int page, qreal top,
-                   qreal line, const QFont& font);
+                   qreal line, QFont font);
 
 }  // namespace brimsett::reports

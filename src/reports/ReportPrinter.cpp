@@ -58,6 +58,7 @@ void putCell(QTextTable* table, int row, int column, const QString& text, Qt::Al
              const ReportStyle& style, const QTextCharFormat& chars) {
     QTextCursor cell = table->cellAt(row, column).firstCursorPosition();
     cell.setBlockFormat(blockFormat(style, alignment));
+    cell.setBlockCharFormat(chars);  // an empty cell's line is as high as its font
     cell.insertText(text, chars);
 }
 
@@ -89,14 +90,23 @@ void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle&
     format.setHeaderRowCount(1);
     format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
     format.setTopMargin(kBlockGap);
-    format.setColumnWidthConstraints(columnWidths(source, style, available));
+    const TableWidths widths = columnWidths(source, style, available);
+    format.setColumnWidthConstraints(widths.lengths);
+    format.setProperty(kTablePointSizeProperty, widths.pointSize);
     format.setProperty(kReportBlockProperty, blockIndex);
+    if (source.startsPage) {
+        format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    }
 
     cursor.movePosition(QTextCursor::End);
     QTextTable* table = cursor.insertTable(rows, columns, format);
 
-    const QTextCharFormat plain;
-    const QTextCharFormat bold = boldFormat();
+    QTextCharFormat plain;
+    QTextCharFormat bold = boldFormat();
+    if (widths.pointSize != style.fontSize) {
+        plain.setFontPointSize(widths.pointSize);
+        bold.setFontPointSize(widths.pointSize);
+    }
     for (int c = 0; c < columns; ++c) {
         const ReportColumn& column = source.columns.at(c);
         putCell(table, 0, c, column.caption, column.alignment, style, bold);
@@ -109,8 +119,8 @@ void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle&
     }
     int row = 1;
     const auto putRow = [&](const QStringList& texts, const QTextCharFormat& chars) {
-        for (int c = 0; c < columns && c < texts.size(); ++c) {
-            putCell(table, row, c, texts.at(c), source.columns.at(c).alignment, style, chars);
+        for (int c = 0; c < columns; ++c) {
+            putCell(table, row, c, texts.value(c), source.columns.at(c).alignment, style, chars);
         }
         ++row;
     };
@@ -210,11 +220,9 @@ void paintPage(QPainter& painter, const Pages& pages, int page, const Report& re
     pages.document->documentLayout()->draw(&painter, context);
     painter.restore();
 
-    QFont bold = bodyFont(style);
-    bold.setBold(true);
     painter.save();
     painter.translate(pages.body.left(), 0);
-    paintFootings(painter, pages.footings, page, pages.body.bottom(), pages.line, bold);
+    paintFootings(painter, pages.footings, page, pages.body.bottom(), pages.line, bodyFont(style));
     painter.restore();
 
     painter.save();

@@ -225,6 +225,32 @@ private slots:
         }
     }
 
+    void wideTableShrinksRatherThanBreakCodes() {
+        // Seven columns of claim numbers do not fit across a portrait page at 12 points.
+        Report report(QStringLiteral("Wide"));
+        ReportTable table;
+        L row;
+        for (int c = 0; c < 7; ++c) {
+            table.columns << ReportColumn{QStringLiteral("Code %1").arg(c)};
+            row << QStringLiteral("J2093000060");
+        }
+        table.rows = {row, L{QStringLiteral("A007A")}};
+        report.addTable(table);
+        auto document = buildDocument(report, ReportStyle{}, 700);
+        document->setTextWidth(700);
+        document->size();  // lays it out
+        auto* laid = qobject_cast<QTextTable*>(document->rootFrame()->childFrames().at(0));
+        QTextCursor cell = laid->cellAt(1, 6).firstCursorPosition();
+        QCOMPARE(cell.block().text(), QStringLiteral("J2093000060"));
+        QCOMPARE(cell.block().layout()->lineCount(), 1);
+        cell.movePosition(QTextCursor::NextCharacter);
+        QVERIFY(cell.charFormat().fontPointSize() < 12);
+        QVERIFY(cell.charFormat().fontPointSize() >= 8);
+        // An empty cell's line is no higher than the row's texts.
+        QCOMPARE(laid->cellAt(2, 6).firstCursorPosition().blockCharFormat().fontPointSize(),
+                 cell.charFormat().fontPointSize());
+    }
+
     void fixedPitchTextKeepsItsColumns() {
         Report report(QStringLiteral("Messages"));
         const QString wide = QStringLiteral(
