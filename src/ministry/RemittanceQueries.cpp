@@ -73,11 +73,10 @@ Statement item(int which, const QVariantList& claimIds, const QDate& serviceDate
             values};
 }
 
-Statement partners(const QVariantList& claimIds, const QDate& serviceDate, const QString& suffix) {
-    return {QStringLiteral("Select ClaimID, ItemID From items Where ClaimID In ") +
-                placeholders(claimIds.size()) +
-                QStringLiteral(" And Status=0 And ServiceDate=? And substr(ServiceCode,5,1)<>?"),
-            claimIds + QVariantList{QVariant(serviceDate), suffix}};
+Statement partners(const QVariantList& claimIds) {
+    return {QStringLiteral("Select * From items Where ClaimID In ") +
+                placeholders(claimIds.size()) + QStringLiteral(" And Status=0"),
+            claimIds};
 }
 
 }  // namespace brimsett::remittance::query

@@ -31,8 +31,9 @@ inline constexpr int kItemQueries = 4;
 Statement item(int which, const QVariantList& claimIds, const QDate& serviceDate,
                const Money& submitted, const QString& serviceCode);
 
-// ClaimID, ItemID of the items of `claimIds` still unanswered on the service date under
-// another suffix than `suffix`.
-Statement partners(const QVariantList& claimIds, const QDate& serviceDate, const QString& suffix);
+// The items (every column) of `claimIds` still unanswered; the caller keeps those of the
+// service date under another suffix. Asking the engine for the date too would have it search
+// every item of that day by the date's index instead of the few items of the claims.
+Statement partners(const QVariantList& claimIds);
 
 }  // namespace brimsett::remittance::query

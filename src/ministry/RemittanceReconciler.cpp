@@ -8,6 +8,7 @@
 
 #include <QSet>
 #include <QSqlQuery>
+#include <QSqlRecord>
 
 #include <algorithm>
 
@@ -189,13 +190,18 @@ void Reconciler::answerPartners(const Item& item, qint64 claimId, int status,
     }
     QList<QPair<qint64, int>> partners;
     {
-        const query::Statement find =
-            query::partners(others, item.serviceDate, item.serviceCode.mid(4, 1));
+        const query::Statement find = query::partners(others);
         QSqlQuery q =
             m_db.exec(find.sql, find.values,
                       QStringLiteral("finding the split partners of claim ") + item.mohClaim);
+        const QString suffix = item.serviceCode.mid(4, 1);
         while (q.next()) {
-            partners << qMakePair(q.value(0).toLongLong(), q.value(1).toInt());
+            // An item without a suffix belongs to no split.
+            const ItemRecord other = ItemRecord::fromRecord(q.record());
+            if (other.serviceDate == item.serviceDate && other.serviceCode.size() >= 5 &&
+                other.serviceCode.mid(4, 1) != suffix) {
+                partners << qMakePair(other.claimId, other.itemId);
+            }
         }
     }
     for (const auto& [partnerClaim, partnerItem] : partners) {
