@@ -4,6 +4,7 @@
 #include "foundation/Database.h"
 #include "foundation/SqlLog.h"
 #include "foundation/SqlStatementBuilder.h"
+#include "ministry/PaymentRule.h"
 #include "ministry/RemittanceQueries.h"
 
 #include <QSet>
@@ -18,7 +19,6 @@ namespace {
 
 using Kind = SqlStatementBuilder::Kind;
 
-constexpr int kRejected = static_cast<int>(ItemStatus::Rejected);
 constexpr int kPaid = static_cast<int>(ItemStatus::Paid);
 
 // A claim of the office under the remittance's account number, as read for one claim header.
@@ -119,25 +119,12 @@ void Reconciler::run(SqlStatementBuilder& b, const QString& condition, const QVa
 
 ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Found& found) {
     const QString& expl = item.explCode;
-    Money submitted = *item.submitted;
-    Money paid = *item.paid;
-    bool lowered = false;
-    if (expl == QLatin1String("I2")) {
-        // "I2" is reconciled as paid in full, one way or the other.
-        if (m_options.i2ToFullSubmitted) {
-            paid = submitted;
-        } else {
-            submitted = paid;
-            lowered = true;
-        }
-    } else if (paid > Money() && paid < submitted &&
-               paid.roundedCents() > submitted.roundedCents() * 95 / 100) {
-        // Within 5% counts as paid: the office would not chase the difference.
-        submitted = paid;
-        lowered = true;
-    }
-    const bool fullCode = expl == QLatin1String("55") || expl == QLatin1String("66");
-    const int status = paid >= submitted || fullCode ? kPaid : kRejected;
+    const paymentrule::Settled settled =
+        paymentrule::settle(*item.submitted, *item.paid, expl, m_options.i2ToFullSubmitted);
+    const Money submitted = settled.submitted;
+    const Money paid = settled.paid;
+    const bool lowered = settled.submittedLowered;
+    const int status = static_cast<int>(settled.status);
 
     SqlStatementBuilder b;
     b.beginUpdate(QStringLiteral("items"));
