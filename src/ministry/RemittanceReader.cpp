@@ -30,21 +30,21 @@ int rankOf(QChar type) {
 
 // Where the header's fields stand: the older layout has them three positions further left
 // from the provider number on, and a six-digit payment date. It has no room for a group
-// number before the provider number (group 0: not read); the doctor is then found by
-// provider number and specialty.
+// number before the provider number (position 0: not read); the doctor is then found by
+// provider number and specialty. Signs follow their amounts.
 struct HeaderLayout {
-    int group, provider, specialty, office, sequence, date, dateLength, payee, total, sign, cheque;
+    int group, provider, specialty, office, sequence, date, dateLength, payee, total, cheque;
 };
-constexpr HeaderLayout kV03{8, 12, 18, 20, 21, 22, 8, 30, 60, 69, 70};
-constexpr HeaderLayout kOlder{0, 9, 15, 17, 18, 19, 6, 25, 55, 64, 65};
+constexpr HeaderLayout kV03{8, 12, 18, 20, 21, 22, 8, 30, 60, 70};
+constexpr HeaderLayout kOlder{0, 9, 15, 17, 18, 19, 6, 25, 55, 65};
 
 // An item's fields after its service date, which is two characters shorter in the older
 // layout.
 struct ItemLayout {
-    int dateLength, numServ, code, submitted, paid, sign, expl;
+    int dateLength, numServ, code, submitted, paid, expl;
 };
-constexpr ItemLayout kItemV03{8, 24, 26, 32, 38, 44, 45};
-constexpr ItemLayout kItemOlder{6, 22, 24, 30, 36, 42, 43};
+constexpr ItemLayout kItemV03{8, 24, 26, 32, 38, 45};
+constexpr ItemLayout kItemOlder{6, 22, 24, 30, 36, 43};
 
 // Leading blanks lay out the ministry's tables in its messages: only the right is trimmed.
 QString messageOf(QString text) {
