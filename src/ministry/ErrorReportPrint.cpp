@@ -48,8 +48,9 @@ QString messageOf(const Item& item) {
            serviceDateOf(item);
 }
 
+// A two-line cell; the second line stays second even under an empty first.
 QString lines(const QString& first, const QString& second) {
-    return first + QLatin1Char('\n') + second;
+    return second.isEmpty() ? first : first + QLatin1Char('\n') + second;
 }
 
 }  // namespace

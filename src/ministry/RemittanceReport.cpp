@@ -251,14 +251,15 @@ Report remittanceReport(Database& db, const Remittance& remittance, const QStrin
                   header.provider + QStringLiteral(")") + QStringLiteral("  File: ") + fileName +
                   QStringLiteral("  Printed: ") + datetext::slashed(printed));
     report.setLandscape(true);
-    report.addHeading(QStringLiteral("Payee: ") + header.payeeName);
+    // The ministry pads names within their fields; the runs of blanks mean nothing on paper.
+    report.addHeading(QStringLiteral("Payee: ") + header.payeeName.simplified());
     report.addHeading(QStringLiteral("Billing Agent: ") +
-                      orNone(remittance.address.billingAgent, "(n/a)"));
+                      orNone(remittance.address.billingAgent.simplified(), "(n/a)"));
     QStringList address;
     for (const QString& line :
          {remittance.address.line1, remittance.address.line2, remittance.address.line3}) {
         if (!line.isEmpty()) {
-            address << line;
+            address << line.simplified();
         }
     }
     report.addHeading(QStringLiteral("Address: ") + address.join(QStringLiteral(", ")));
