@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTableWidget>
 
 #include <algorithm>
@@ -17,8 +18,12 @@ QTableWidget* make(QWidget* parent, const QStringList& captions) {
     grid->setWordWrap(false);
     grid->verticalHeader()->hide();
     grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
-    grid->horizontalHeader()->setStretchLastSection(true);
-    grid->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    QHeaderView* header = grid->horizontalHeader();
+    header->setStretchLastSection(true);
+    // Long captions ("Batch Sequence Number") wrap rather than widen short columns.
+    header->setDefaultAlignment(
+        Qt::Alignment::fromInt(Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap));
+    header->setTextElideMode(Qt::ElideNone);
     return grid;
 }
 
@@ -32,11 +37,41 @@ void fill(QTableWidget* grid, const QList<QStringList>& rows, int maxColumnChars
             grid->setItem(r, c, cell);
         }
     }
-    grid->resizeColumnsToContents();
+    // Each column as wide as its widest cell or its caption on at most two lines.
+    const QFontMetrics metrics = grid->horizontalHeader()->fontMetrics();
     const int widest = grid->fontMetrics().averageCharWidth() * maxColumnChars;
+    const int padding = 16;
+    bool wraps = false;
     for (int c = 0; c < grid->columnCount(); ++c) {
-        grid->setColumnWidth(c, std::min(grid->columnWidth(c) + 12, widest));
+        const QStringList words =
+            grid->horizontalHeaderItem(c)->text().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        int caption = metrics.horizontalAdvance(words.join(QLatin1Char(' ')));
+        const int oneLine = caption;
+        for (int split = 1; split < words.size(); ++split) {
+            caption =
+                std::min(caption, std::max(metrics.horizontalAdvance(words.mid(0, split).join(' ')),
+                                           metrics.horizontalAdvance(words.mid(split).join(' '))));
+        }
+        const int cells =
+            rows.isEmpty() ? 0 : static_cast<QAbstractItemView*>(grid)->sizeHintForColumn(c);
+        // A wrapped caption is worth its second line only when it saves real width.
+        if (oneLine - std::max(cells, caption) <
+            metrics.horizontalAdvance(QStringLiteral("0000"))) {
+            caption = oneLine;
+        }
+        const int width = std::min(std::max(cells, caption) + padding, widest);
+        wraps = wraps || oneLine + padding > width;
+        grid->setColumnWidth(c, width);
     }
+    grid->horizontalHeader()->setFixedHeight(metrics.lineSpacing() * (wraps ? 2 : 1) + 10);
+}
+
+int fullWidth(const QTableWidget* grid) {
+    int width = 2 * grid->frameWidth() + grid->verticalScrollBar()->sizeHint().width();
+    for (int c = 0; c < grid->columnCount(); ++c) {
+        width += grid->columnWidth(c);
+    }
+    return width;
 }
 
 QStringList rowText(const QTableWidget* grid, int row) {

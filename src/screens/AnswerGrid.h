@@ -16,6 +16,9 @@ QTableWidget* make(QWidget* parent, const QStringList& captions);
 // characters, so one long message cannot push the other columns out of sight.
 void fill(QTableWidget* grid, const QList<QStringList>& rows, int maxColumnChars = 40);
 
+// The width that shows every column whole.
+int fullWidth(const QTableWidget* grid);
+
 // The cells of a row, for tests and for copying.
 QStringList rowText(const QTableWidget* grid, int row);
 

@@ -86,7 +86,7 @@ void frmReceive::readClicked() {
         m_store.get(QStringLiteral("Options"), QStringLiteral("AutoSplit")) == QLatin1String("1");
 
     m_errors->setRowCount(0);
-    m_progress->setText(received::progressText(0, 0));
+    m_progress->clear();
     setStatus(QStringLiteral("Reading %1...").arg(file->fileName));
     m_status->repaint();
     const auto progress = [this](int linesRead, int totalLines) {

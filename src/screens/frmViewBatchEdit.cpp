@@ -77,7 +77,8 @@ frmViewBatchEdit::frmViewBatchEdit(batchedit::Report report, QString fileName, Q
     layout->addWidget(m_grid, 1);
     layout->addLayout(buttons);
 
-    resize(1100, 360);
+    // Wide enough for every column, as far as a usual screen allows.
+    resize(std::clamp(answergrid::fullWidth(m_grid) + 24, 700, 1600), 360);
     m_grid->setFocus();
 }
 

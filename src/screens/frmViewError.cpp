@@ -14,6 +14,8 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace brimsett {
 
 frmViewError::frmViewError(errorreport::ErrorReport report, QString fileName, QDate printed,
@@ -37,7 +39,6 @@ frmViewError::frmViewError(errorreport::ErrorReport report, QString fileName, QD
     m_messages = new QPlainTextEdit(messages);
     m_messages->setObjectName(QStringLiteral("txtMessages"));
     m_messages->setReadOnly(true);
-    m_messages->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_messages->setMaximumHeight(m_messages->fontMetrics().lineSpacing() * 6 + 12);
     m_noMessages = new QLabel(QStringLiteral("This file contains no OHIP messages."), messages);
     m_noMessages->setObjectName(QStringLiteral("lblNoMessages"));
@@ -62,17 +63,18 @@ frmViewError::frmViewError(errorreport::ErrorReport report, QString fileName, QD
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
             &QWidget::close);
 
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_total);
-    bottom->addStretch();
-    bottom->addWidget(print);
-    bottom->addWidget(close);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(print);
+    buttons->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_grid, 1);
-    layout->addLayout(bottom);
+    layout->addWidget(m_total);
     layout->addWidget(messages);
+    layout->addLayout(buttons);
 
-    resize(1150, 520);
+    // Wide enough for every column, as far as a usual screen allows.
+    resize(std::clamp(answergrid::fullWidth(m_grid) + 24, 700, 1600), 560);
     m_grid->setFocus();
 }
 
