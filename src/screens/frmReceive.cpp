@@ -138,7 +138,7 @@ QWidget* frmReceive::buildFilePanel() {
     m_list->setObjectName(QStringLiteral("lstFiles"));
     connect(m_list, &QTreeWidget::currentItemChanged, this, &frmReceive::updateButtons);
     // Enter (or a double click) on a file reads it.
-    connect(m_list, &QTreeWidget::itemActivated, this, &frmReceive::readClicked);
+    connect(m_list, &QTreeWidget::itemActivated, this, &frmReceive::LoadData);
     auto* listDelete = new QShortcut(QKeySequence(Qt::Key_Delete), m_list);
     listDelete->setContext(Qt::WidgetShortcut);
     connect(listDelete, &QShortcut::activated, this, &frmReceive::deleteClicked);
@@ -151,7 +151,7 @@ QWidget* frmReceive::buildFilePanel() {
                          QStringLiteral("Deletes the file (Delete)"));
     auto* refresh = button(m_filePanel, QStringLiteral("cmdRefresh"), QStringLiteral("Re&fresh"),
                            QStringLiteral("Lists the folder again"));
-    connect(m_cmdRead, &QPushButton::clicked, this, &frmReceive::readClicked);
+    connect(m_cmdRead, &QPushButton::clicked, this, &frmReceive::LoadData);
     connect(m_cmdEdit, &QPushButton::clicked, this, &frmReceive::editClicked);
     connect(m_cmdDelete, &QPushButton::clicked, this, &frmReceive::deleteClicked);
     connect(refresh, &QPushButton::clicked, this, [this] { reloadFiles(); });

@@ -78,7 +78,8 @@ private:
     void doctorChanged(int index);
     void methodChanged(int index);
     void receiveClicked();
-    void readClicked();
+    // Reads the chosen file and shows what it says (Read, or Enter on the list).
+    void LoadData();
     void editClicked();
     void deleteClicked();
     void showAnswer(const ReceivedAnswer& answer);

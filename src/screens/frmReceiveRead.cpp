@@ -74,7 +74,7 @@ QString outcomeOf(const ReceivedAnswer& answer) {
 
 }  // namespace
 
-void frmReceive::readClicked() {
+void frmReceive::LoadData() {
     const std::optional<WaitingFile> file = selectedFile();
     if (!file) {
         return;
