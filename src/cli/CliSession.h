@@ -61,6 +61,7 @@ int commandClaim(CliSession& session, const QStringList& args);
 int commandPrepare(CliSession& session, const QStringList& args);
 int commandSubmit(CliSession& session, const QStringList& args);
 int commandFetchAnswers(CliSession& session, const QStringList& args);
+int commandReceive(CliSession& session, const QStringList& args);
 
 // Prints "brimsett-cli: " + reason to standard error and gives the failure status.
 int fail(const QString& reason, int status = 1);

@@ -35,7 +35,11 @@ const char* kUsage =
     "                            hand a claim file of the office folder to the ministry (the\n"
     "                            \"SubmitMethod\" setting unless --method; --to: the disk folder)\n"
     "  fetch-answers DOCTOR [--method disk|folder] [--to DIR]\n"
-    "                            fetch the ministry's answers and print the files' paths\n";
+    "                            fetch the ministry's answers and print the files' paths\n"
+    "  receive FILE [--no-reconcile]\n"
+    "                            read a remittance advice, batch edit or claims error report\n"
+    "                            (a bare name is looked for in Download/ too), write what it\n"
+    "                            answers into the claims, print its errors and totals\n";
 
 }  // namespace
 
@@ -78,6 +82,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("prepare"), commandPrepare},
         {QStringLiteral("submit"), commandSubmit},
         {QStringLiteral("fetch-answers"), commandFetchAnswers},
+        {QStringLiteral("receive"), commandReceive},
     };
     const QString word = args.takeFirst();
     const auto it = commands.find(word);
