@@ -246,10 +246,13 @@ Report remittanceReport(Database& db, const Remittance& remittance, const QStrin
     const Header& header = remittance.header;
     const auto doctor = answerdoctor::byBillingNumberOrProvider(db, header.group, header.provider,
                                                                 header.specialty);
-    Report report(QStringLiteral("Remittance Advice for ") +
-                  answerdoctor::nameOf(doctor, header.provider) + QStringLiteral(" (") +
-                  header.provider + QStringLiteral(")") + QStringLiteral("  File: ") + fileName +
-                  QStringLiteral("  Printed: ") + datetext::slashed(printed));
+    // An unknown provider is named by the number already, with the note that says so.
+    const QString payeeDoctor =
+        doctor ? doctor->displayName() + QStringLiteral(" (") + header.provider + QLatin1Char(')')
+               : answerdoctor::nameOf(doctor, header.provider);
+    Report report(QStringLiteral("Remittance Advice for ") + payeeDoctor +
+                  QStringLiteral("  File: ") + fileName + QStringLiteral("  Printed: ") +
+                  datetext::slashed(printed));
     report.setLandscape(true);
     // The ministry pads names within their fields; the runs of blanks mean nothing on paper.
     report.addHeading(QStringLiteral("Payee: ") + header.payeeName.simplified());

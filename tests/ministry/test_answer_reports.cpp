@@ -141,7 +141,7 @@ private slots:
         test::row("group's doctor, deposit", "BAAA", "99999999", known, "(Direct Bank Deposit)");
         test::row("doctor by provider alone", "0000", "12345678", known, "12345678");
         test::row("no doctor", "", "91000000",
-                  "Remittance Advice for 272278 (Provider not in Brimsett) (272278)  File: "
+                  "Remittance Advice for 272278 (Provider not in Brimsett)  File: "
                   "PJ272278.001  Printed: 2026/11/22",
                   "(Direct Bank Deposit)");
     }
