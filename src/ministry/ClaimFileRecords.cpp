@@ -4,6 +4,7 @@
 #include "foundation/DateText.h"
 #include "ministry/FixedWidth.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace brimsett::claimfile {
@@ -51,6 +52,25 @@ QString accountField(const QString& acctNum) {
         return trimmed.rightJustified(8, QLatin1Char('0'));
     }
     return fixedwidth::fit(acctNum, 8);
+}
+
+QStringList accountForms(const QString& field) {
+    const QString account = field.trimmed();
+    if (account.isEmpty()) {
+        return {};
+    }
+    if (!allDigits(account)) {
+        return {account};
+    }
+    QString core = account;
+    while (core.size() > 1 && core.startsWith(QLatin1Char('0'))) {
+        core.remove(0, 1);
+    }
+    QStringList forms;
+    for (qsizetype width = core.size(); width <= std::max<qsizetype>(8, account.size()); ++width) {
+        forms << core.rightJustified(width, QLatin1Char('0'));
+    }
+    return forms;
 }
 
 QString feeField(const std::optional<Money>& fee) {

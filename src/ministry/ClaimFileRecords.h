@@ -35,7 +35,11 @@ QString itemRecord(const ItemRecord& item);
 QString batchTrailer(int claims, int reciprocal, int items);
 
 // The field forms used above.
-QString accountField(const QString& acctNum);       // 8 characters
+QString accountField(const QString& acctNum);  // 8 characters
+// The other way: every `AcctNum` a claim may be stored under for the ministry to answer with
+// this field. Numbers went out zero-filled, so "00001234" may be stored as "1234" or with
+// any zeros up to eight digits; any other text went out as it stands. None for a blank field.
+QStringList accountForms(const QString& field);
 QString feeField(const std::optional<Money>& fee);  // dollars "0000" + cents "00"
 QString nameField(const QString& name, int width);  // "A".."Z" only, in capitals
 QString payeeOf(const QString& payProg);            // "P" or "S"

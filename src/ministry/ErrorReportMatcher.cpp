@@ -3,6 +3,7 @@
 #include "foundation/SqlLog.h"
 #include "foundation/SqlStatementBuilder.h"
 #include "ministry/AnswerDoctor.h"
+#include "ministry/ClaimFileRecords.h"
 #include "ministry/ErrorReport.h"
 #include "patients/PatientEntry.h"
 
@@ -18,22 +19,6 @@ namespace {
 
 // The error codes an item can hold: five codes and four commas fill its `Errors`.
 constexpr int kMostCodes = 5;
-
-// The account numbers a claim may be stored under for the claim file to have written this
-// field: numbers went out zero-filled to eight digits, so "00001234" may be stored as
-// "1234" (or with fewer zeros); any other text went out as it stands.
-QVariantList storedAccountForms(const QString& field) {
-    QVariantList forms{field};
-    const bool digits = !field.isEmpty() && std::all_of(field.begin(), field.end(),
-                                                        [](QChar c) { return c.isDigit(); });
-    if (digits) {
-        for (QString shorter = field; shorter.size() > 1 && shorter.front() == QLatin1Char('0');) {
-            shorter.remove(0, 1);
-            forms << shorter;
-        }
-    }
-    return forms;
-}
 
 QString lastFirst(const QString& last, const QString& first) {
     if (last.isEmpty() || first.isEmpty()) {
@@ -98,7 +83,8 @@ QList<qint64> Matcher::lookUpClaim(Claim& claim) {
         lookUpPatient(claim);
         return ids;
     }
-    const QVariantList forms = storedAccountForms(claim.acctNum);
+    const QStringList accounts = claimfile::accountForms(claim.acctNum);
+    const QVariantList forms(accounts.begin(), accounts.end());
     QStringList marks;
     marks.fill(QStringLiteral("?"), forms.size());
     QSqlQuery query =

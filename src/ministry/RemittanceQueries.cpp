@@ -1,5 +1,7 @@
 #include "ministry/RemittanceQueries.h"
 
+#include "ministry/ClaimFileRecords.h"
+
 #include <algorithm>
 
 namespace brimsett::remittance::query {
@@ -12,27 +14,8 @@ QString placeholders(qsizetype count) {
 }
 }  // namespace
 
-QStringList accountForms(const QString& account) {
-    const bool digits =
-        !account.isEmpty() && std::all_of(account.begin(), account.end(), [](QChar c) {
-            return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-        });
-    if (!digits) {
-        return {account};
-    }
-    QString core = account;
-    while (core.size() > 1 && core.startsWith(QLatin1Char('0'))) {
-        core.remove(0, 1);
-    }
-    QStringList forms;
-    for (qsizetype width = core.size(); width <= std::max<qsizetype>(8, account.size()); ++width) {
-        forms << core.rightJustified(width, QLatin1Char('0'));
-    }
-    return forms;
-}
-
 Statement claimsOfAccount(const QString& account) {
-    const QStringList forms = accountForms(account);
+    const QStringList forms = claimfile::accountForms(account);
     return {QStringLiteral("Select ClaimID, RA, MOHClaim From claims Where AcctNum In ") +
                 placeholders(forms.size()) + QStringLiteral(" Order By ClaimID"),
             QVariantList(forms.begin(), forms.end())};

@@ -16,11 +16,6 @@ struct Statement {
     QVariantList values;
 };
 
-// The forms a stored account number may have for the file's: the claim file writes numeric
-// accounts zero-filled to eight digits, and accounts typed elsewhere may be stored without
-// the zeros (or an older file may carry them without).
-QStringList accountForms(const QString& account);
-
 // ClaimID, RA, MOHClaim of the claims of an account number, by ClaimID.
 Statement claimsOfAccount(const QString& account);
 
