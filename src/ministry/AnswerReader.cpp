@@ -79,7 +79,13 @@ std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompt
         prompter.error({QStringLiteral("Could not open file ") + fileName});
         return std::nullopt;
     }
-    const QStringList lines = received::splitLines(file.readAll());
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        // Opened but not read through (a damaged disk, a share gone): nothing half read.
+        prompter.error({QStringLiteral("Could not open file ") + fileName, file.errorString()});
+        return std::nullopt;
+    }
+    const QStringList lines = received::splitLines(bytes);
     const FileKind kind = lines.isEmpty() ? FileKind::Unknown : received::kindOf(lines.first());
 
     ReceivedAnswer answer;

@@ -156,6 +156,15 @@ std::optional<QStringList> ClaimTransfer::fetchAnswers(const QString& doctorId,
         if (!disk) {
             return std::nullopt;
         }
+        if (!QDir(*disk).isReadable()) {
+            // The medium is there but cannot be listed: a damaged disk.
+            m_prompter.tell(QStringLiteral("Disk Error"),
+                            {QStringLiteral("This diskette is defective."),
+                             QStringLiteral("Call your local Ministry of Health"),
+                             QStringLiteral("office for a replacement disk.")},
+                            Icon::Critical);
+            return std::nullopt;
+        }
         return transferfiles::filesIn(*disk);
     }
     QString userId;
