@@ -22,14 +22,38 @@ QTreeWidget* make(QWidget* parent, const QStringList& headers, int stretchColumn
 
 void select(QTreeWidget* list, const QString& key) {
     const QSignalBlocker quiet(list);
-    list->setCurrentItem(nullptr);
+    list->setCurrentItem(rowOf(list, key));
+}
+
+QTreeWidgetItem* rowOf(const QTreeWidget* list, const QString& key) {
     for (int i = 0; i < list->topLevelItemCount() && !key.isEmpty(); ++i) {
         QTreeWidgetItem* item = list->topLevelItem(i);
         if (item->data(0, kKeyRole).toString() == key) {
-            list->setCurrentItem(item);
-            break;
+            return item;
         }
     }
+    return nullptr;
+}
+
+bool showRow(QTreeWidget* list, const QString& key) {
+    QTreeWidgetItem* item = rowOf(list, key);
+    if (item == nullptr) {
+        return false;
+    }
+    list->setCurrentItem(item);
+    list->scrollToItem(item);
+    return true;
+}
+
+void keepCurrent(QTreeWidget* list, const QString& key) {
+    if (!showRow(list, key) && list->topLevelItemCount() > 0) {
+        list->setCurrentItem(list->topLevelItem(0));
+    }
+}
+
+QString currentKey(const QTreeWidget* list) {
+    const QTreeWidgetItem* item = list ? list->currentItem() : nullptr;
+    return item ? item->data(0, kKeyRole).toString() : QString();
 }
 
 QLineEdit* sizedLine(QWidget* parent, int maxLength, int widthInChars) {

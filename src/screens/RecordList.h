@@ -6,6 +6,7 @@
 
 class QLineEdit;
 class QTreeWidget;
+class QTreeWidgetItem;
 class QWidget;
 
 namespace brimsett::recordlist {
@@ -20,6 +21,19 @@ QTreeWidget* make(QWidget* parent, const QStringList& headers, int stretchColumn
 // Makes the row whose key is given the current one (none when no row has it), without
 // signalling a change: the screen already shows that record.
 void select(QTreeWidget* list, const QString& key);
+
+// The row whose key is given; none when no row has it (or the key is empty).
+QTreeWidgetItem* rowOf(const QTreeWidget* list, const QString& key);
+
+// Makes the row whose key is given the current one, signalling the change, and scrolls to
+// it; false when no row has it.
+bool showRow(QTreeWidget* list, const QString& key);
+
+// After the list was filled again: the row of the key stays current, else the first row.
+void keepCurrent(QTreeWidget* list, const QString& key);
+
+// The key of the current row; empty when there is none.
+QString currentKey(const QTreeWidget* list);
 
 // A field of at most maxLength characters, widthInChars wide (0: as wide as the layout
 // makes it).

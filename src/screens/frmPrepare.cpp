@@ -8,19 +8,16 @@
 #include "ministry/BatchPreparation.h"
 #include "ministry/BatchReports.h"
 #include "ministry/ClaimTransfer.h"
-#include "patients/ProviderRegister.h"
+#include "screens/BusyParts.h"
 #include "screens/EdtSetupScreens.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
-#include "screens/RepaintingWait.h"
 #include "screens/ReportPreview.h"
 
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -28,14 +25,11 @@
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace brimsett {
 
@@ -43,70 +37,10 @@ namespace {
 
 enum Column { DoctorColumn, BatchColumn, CountsColumn, TotalColumn, FileColumn, SubmittedColumn };
 
-// The methods of the choice list, in the order "SubmitMethod" numbers them.
-const QStringList& methodNames() {
-    static const QStringList names = {QStringLiteral("3.5'' Disk(s)"),
-                                      QStringLiteral("EDT / Phone Line Dial-Up"),
-                                      QStringLiteral("EDT / Internet")};
-    return names;
-}
-
-// The folder the disk dialog starts in: where the last one of the run ended, else the
-// removable media of the system.
+// Where the disk dialog of the run last ended.
 QString& lastDiskFolder() {
     static QString folder;
     return folder;
-}
-
-QString mediaFolder() {
-    const QString user = qEnvironmentVariable("USER");
-    for (const QString& candidate :
-         {QStringLiteral("/media/") + user, QStringLiteral("/run/media/") + user,
-          QStringLiteral("/media"), QDir::homePath()}) {
-        if (!candidate.isEmpty() && QDir(candidate).exists()) {
-            return candidate;
-        }
-    }
-    return QDir::homePath();
-}
-
-// Work that must not be interrupted by the user: the window's controls wait, and the field
-// that had the focus gets it back afterwards.
-class Busy {
-public:
-    explicit Busy(QList<QWidget*> parts) : m_parts(std::move(parts)) {
-        m_focus = QApplication::focusWidget();
-        for (QWidget* part : m_parts) {
-            part->setEnabled(false);
-        }
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    }
-    ~Busy() {
-        QApplication::restoreOverrideCursor();
-        for (QWidget* part : m_parts) {
-            part->setEnabled(true);
-        }
-        if (m_focus) {
-            m_focus->setFocus();
-        }
-    }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-private:
-    QList<QWidget*> m_parts;
-    QPointer<QWidget> m_focus;
-};
-
-QPushButton* button(QWidget* parent, const QString& name, const QString& caption,
-                    const QString& tip = {}) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    if (!tip.isEmpty()) {
-        b->setToolTip(tip);
-    }
-    return b;
 }
 
 }  // namespace
@@ -114,37 +48,22 @@ QPushButton* button(QWidget* parent, const QString& name, const QString& caption
 frmPrepare::frmPrepare(Database& db, AppSettings& settings, SettingsStore& store,
                        Prompter& prompter, const Clock& clock, const SqlLog& log, MoneyFormat money,
                        QString officeFolder, QWidget* parent)
-    : QWidget(parent, Qt::Window),
-      m_db(db),
-      m_settings(settings),
-      m_store(store),
-      m_prompter(prompter),
-      m_clock(clock),
-      m_log(log),
-      m_money(money),
-      m_folder(std::move(officeFolder)),
+    : TransferScreen(db, settings, store, prompter, clock, log, money, std::move(officeFolder),
+                     parent),
       m_batches(db, prompter, log) {
     setWindowTitle(kTitle);
-    if (!m_folder.isEmpty() && !m_folder.endsWith(QLatin1Char('/'))) {
-        m_folder += QLatin1Char('/');
-    }
 
     // Created in the order Tab (and Enter) should follow.
     QWidget* prepare = buildPreparePanel();
     QWidget* batches = buildBatchPanel();
-    m_status = new QLabel(this);
-    m_status->setObjectName(QStringLiteral("lblStatus"));
-    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QLabel* status = makeStatusLine();
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(prepare);
     layout->addWidget(batches, 1);
-    layout->addWidget(m_status);
+    layout->addWidget(status);
 
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
-
-    loadDoctors();
+    loadDoctors(m_settings.lastDoctor);
     reloadBatches();
     resize(900, 620);
     m_doctor->setFocus();
@@ -154,11 +73,7 @@ QWidget* frmPrepare::buildPreparePanel() {
     auto* panel = new QGroupBox(QStringLiteral("Prepare a claim file"), this);
     auto* enter = new EnterMovesOn(this);
 
-    m_doctor = new QComboBox(panel);
-    m_doctor->setObjectName(QStringLiteral("cboDoctor"));
-    m_doctor->setMinimumContentsLength(28);
-    m_doctor->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    enter->watch(m_doctor);
+    enter->watch(makeDoctorList(panel));
     m_oneProfile = new QCheckBox(QStringLiteral("&One profile only"), panel);
     m_oneProfile->setObjectName(QStringLiteral("chkOneProfile"));
     m_oneProfile->setToolTip(
@@ -198,12 +113,9 @@ QWidget* frmPrepare::buildPreparePanel() {
     m_progress->setMinimumWidth(
         m_progress->fontMetrics().horizontalAdvance(QStringLiteral("000,000 Records")));
 
-    auto* doctorLabel = new QLabel(QStringLiteral("&Doctor:"), panel);
-    doctorLabel->setBuddy(m_doctor);
-    auto* cutOffLabel = new QLabel(QStringLiteral("&Cut-off date:"), panel);
-    cutOffLabel->setBuddy(m_cutOff);
-    m_startLabel = new QLabel(QStringLiteral("S&tart date:"), panel);
-    m_startLabel->setBuddy(m_start);
+    auto* doctorLabel = labelFor(m_doctor, QStringLiteral("&Doctor:"), panel);
+    auto* cutOffLabel = labelFor(m_cutOff, QStringLiteral("&Cut-off date:"), panel);
+    m_startLabel = labelFor(m_start, QStringLiteral("S&tart date:"), panel);
     auto* cutOffHint = new QLabel(QStringLiteral("empty: every pending claim"), panel);
     cutOffHint->setEnabled(false);
 
@@ -277,22 +189,14 @@ QWidget* frmPrepare::buildBatchPanel() {
     connect(m_cmdReverse, &QPushButton::clicked, this, &frmPrepare::reverseClicked);
     connect(m_cmdDelete, &QPushButton::clicked, this, &frmPrepare::deleteClicked);
 
-    m_method = new QComboBox(panel);
-    m_method->setObjectName(QStringLiteral("cboMethod"));
-    m_method->addItems(methodNames());
-    m_method->setCurrentIndex(std::clamp(m_settings.submitMethod, 0, 2));
-    connect(m_method, &QComboBox::currentIndexChanged, this, &frmPrepare::methodChanged);
-    auto* methodLabel = new QLabel(QStringLiteral("Met&hod:"), panel);
-    methodLabel->setBuddy(m_method);
+    auto* methodLabel = labelFor(makeMethodList(panel), QStringLiteral("Met&hod:"), panel);
     m_cmdSubmit = button(panel, QStringLiteral("cmdSubmit"), QStringLiteral("S&ubmit"),
                          QStringLiteral("Hands the batch's claim file to the ministry"));
     connect(m_cmdSubmit, &QPushButton::clicked, this, &frmPrepare::submitClicked);
     // The transfer logins are set up where they are used.
     auto* setup = button(panel, QStringLiteral("cmdEDTSetup"), QStringLiteral("EDT Se&tup..."));
     connect(setup, &QPushButton::clicked, this, [this] {
-        openEdtSetup(
-            m_db, m_settings, m_prompter, m_clock, m_log, m_folder, this,
-            m_doctor->currentIndex() >= 0 ? m_doctor->currentData().toString() : QString());
+        openEdtSetup(m_db, m_settings, m_prompter, m_clock, m_log, m_folder, this, doctorId());
     });
     auto* close =
         button(panel, QStringLiteral("cmdClose"), QStringLiteral("Close"), QStringLiteral("Esc"));
@@ -322,23 +226,6 @@ QWidget* frmPrepare::buildBatchPanel() {
     return panel;
 }
 
-void frmPrepare::loadDoctors() {
-    QList<Provider> providers;
-    try {
-        providers = ProviderRegister(m_db, m_settings, m_prompter, m_log).list();
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("The providers could not be read."), e.message()});
-    }
-    for (const Provider& p : std::as_const(providers)) {
-        m_doctor->addItem(p.doctorId + QStringLiteral(" - ") + p.displayName(), p.doctorId);
-    }
-    int chosen = m_doctor->findData(m_settings.lastDoctor, Qt::UserRole, Qt::MatchFixedString);
-    if (chosen < 0 && m_doctor->count() == 1) {
-        chosen = 0;
-    }
-    m_doctor->setCurrentIndex(chosen);
-}
-
 void frmPrepare::reloadBatches(const QString& select) {
     const std::optional<BatchRow> current = selectedBatch();
     const QString keep = select.isEmpty() && current ? current->batchId : select;
@@ -361,20 +248,14 @@ void frmPrepare::reloadBatches(const QString& select) {
         m_list->resizeColumnToContents(c);
         m_list->setColumnWidth(c, m_list->columnWidth(c) + 16);
     }
-    if (!selectBatch(keep) && m_list->topLevelItemCount() > 0) {
-        m_list->setCurrentItem(m_list->topLevelItem(0));
-    }
+    recordlist::keepCurrent(m_list, keep);
     updateButtons();
 }
 
 std::optional<BatchRow> frmPrepare::selectedBatch() const {
-    const QTreeWidgetItem* item = m_list ? m_list->currentItem() : nullptr;
-    if (item == nullptr) {
-        return std::nullopt;
-    }
-    const QString key = item->data(0, recordlist::kKeyRole).toString();
+    const QString key = recordlist::currentKey(m_list);
     for (const BatchRow& b : m_rows) {
-        if (b.batchId == key) {
+        if (!key.isEmpty() && b.batchId == key) {
             return b;
         }
     }
@@ -382,15 +263,7 @@ std::optional<BatchRow> frmPrepare::selectedBatch() const {
 }
 
 bool frmPrepare::selectBatch(const QString& batchId) {
-    for (int i = 0; i < m_list->topLevelItemCount() && !batchId.isEmpty(); ++i) {
-        QTreeWidgetItem* item = m_list->topLevelItem(i);
-        if (item->data(0, recordlist::kKeyRole).toString() == batchId) {
-            m_list->setCurrentItem(item);
-            m_list->scrollToItem(item);
-            return true;
-        }
-    }
-    return false;
+    return recordlist::showRow(m_list, batchId);
 }
 
 void frmPrepare::updateButtons() {
@@ -400,18 +273,9 @@ void frmPrepare::updateButtons() {
     }
 }
 
-QString frmPrepare::statusLine() const {
-    return m_status->text();
-}
-
-void frmPrepare::setStatus(const QString& text) {
-    m_status->setText(text);
-}
-
 void frmPrepare::startClicked() {
     PrepareRequest request;
-    request.doctorId =
-        m_doctor->currentIndex() >= 0 ? m_doctor->currentData().toString() : QString();
+    request.doctorId = doctorId();
     request.cutOff = m_cutOff->text().trimmed();
     request.start = m_settings.option[18] ? m_start->text().trimmed() : QString();
     request.oneProfile = m_oneProfile->isChecked();
@@ -429,7 +293,7 @@ void frmPrepare::startClicked() {
     m_progress->repaint();
     std::optional<PreparedFile> file;
     {
-        const Busy busy({m_cmdStart, m_list->parentWidget()});
+        const BusyParts busy({m_cmdStart, m_list->parentWidget()});
         try {
             file = preparation.prepare(request);
         } catch (const DbError& e) {
@@ -509,52 +373,22 @@ void frmPrepare::claimsClicked() {
     }
 }
 
-void frmPrepare::methodChanged(int index) {
-    if (index < 0) {
-        return;
-    }
-    m_settings.submitMethod = index;
-    m_store.saveNumber(QStringLiteral("General"), QStringLiteral("SubmitMethod"), index);
-    m_store.sync();
-}
-
-QString frmPrepare::chooseDiskFolder() {
-    if (m_chooseDiskFolder) {
-        return m_chooseDiskFolder();
-    }
-    QString& last = lastDiskFolder();
-    const QString chosen = QFileDialog::getExistingDirectory(
-        this, QStringLiteral("The disk to copy the claim file to"),
-        last.isEmpty() ? mediaFolder() : last);
-    if (!chosen.isEmpty()) {
-        last = chosen;
-    }
-    return chosen;
-}
-
 void frmPrepare::submitClicked() {
     const std::optional<BatchRow> batch = selectedBatch();
     if (!batch) {
         return;
     }
-    const auto method = static_cast<TransferMethod>(std::clamp(m_method->currentIndex(), 0, 2));
-    TransferPlaces places{m_folder, QString()};
-    if (method == TransferMethod::Disk) {
-        places.diskFolder = chooseDiskFolder();
-        if (places.diskFolder.isEmpty()) {
-            return;
-        }
+    const std::optional<TransferPlaces> places =
+        placesForTransfer(QStringLiteral("The disk to copy the claim file to"), lastDiskFolder());
+    if (!places) {
+        return;
     }
-    RepaintingWait wait([this](const QString& text) {
-        m_status->setText(text);
-        m_status->repaint();
-    });
-    ClaimTransfer transfer(m_db, m_store, m_clock, m_prompter, wait, m_log, places);
+    ClaimTransfer transfer = transferTo(*places);
     bool sent = false;
     setStatus({});
     {
-        const Busy busy({m_list->parentWidget(), m_cmdStart});
-        sent = transfer.submit(batch->fileName, method);
+        const BusyParts busy({m_list->parentWidget(), m_cmdStart});
+        sent = transfer.submit(batch->fileName, method());
     }
     setStatus(
         sent

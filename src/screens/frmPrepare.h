@@ -1,17 +1,14 @@
 #pragma once
 
-#include "foundation/Money.h"
 #include "ministry/BatchRegister.h"
+#include "screens/TransferScreen.h"
 
 #include <QString>
-#include <QWidget>
 
-#include <functional>
 #include <optional>
 #include <vector>
 
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -19,13 +16,6 @@ class QRadioButton;
 class QTreeWidget;
 
 namespace brimsett {
-
-class Clock;
-class Database;
-class Prompter;
-class SettingsStore;
-class SqlLog;
-struct AppSettings;
 
 // "Submit Claims": the pending claims of a doctor's billing number become a claim file
 // (`cmdStart`), and the batches made so far are listed newest first, each of them to delete
@@ -36,7 +26,7 @@ struct AppSettings;
 // Keys: Enter moves on through the fields to the Prepare button, which Enter presses; every
 // button has its Alt letter; Delete on the list deletes the batch record (asked); Esc closes.
 // The screen takes no F-key, so the main menu's F-keys work in it.
-class frmPrepare : public QWidget {
+class frmPrepare : public TransferScreen {
     Q_OBJECT
 
 public:
@@ -51,45 +41,23 @@ public:
     std::optional<BatchRow> selectedBatch() const;
     // Makes the batch's row current; false when it is not listed.
     bool selectBatch(const QString& batchId);
-    // The text of the status line under the list.
-    QString statusLine() const;
-
-    // How the disk folder (the old "A:\") is chosen for a disk submission; by default a
-    // folder dialog that starts where the last one of the run ended. An empty answer cancels.
-    void setDiskFolderChooser(std::function<QString()> choose) {
-        m_chooseDiskFolder = std::move(choose);
-    }
 
 private:
     QWidget* buildPreparePanel();
     QWidget* buildBatchPanel();
-    void loadDoctors();
     void reloadBatches(const QString& select = {});
     void updateButtons();
-    void setStatus(const QString& text);
 
     void startClicked();
     void deleteClicked();
     void reverseClicked();
     void summaryClicked();
     void claimsClicked();
-    void methodChanged(int index);
     void submitClicked();
-    QString chooseDiskFolder();
 
-    Database& m_db;
-    AppSettings& m_settings;
-    SettingsStore& m_store;
-    Prompter& m_prompter;
-    const Clock& m_clock;
-    const SqlLog& m_log;
-    MoneyFormat m_money;
-    QString m_folder;
     BatchRegister m_batches;
     std::vector<BatchRow> m_rows;  // as listed
-    std::function<QString()> m_chooseDiskFolder;
 
-    QComboBox* m_doctor = nullptr;
     QLineEdit* m_cutOff = nullptr;
     QLabel* m_startLabel = nullptr;
     QLineEdit* m_start = nullptr;
@@ -103,9 +71,7 @@ private:
     QPushButton* m_cmdClaims = nullptr;
     QPushButton* m_cmdReverse = nullptr;
     QPushButton* m_cmdDelete = nullptr;
-    QComboBox* m_method = nullptr;
     QPushButton* m_cmdSubmit = nullptr;
-    QLabel* m_status = nullptr;
 };
 
 }  // namespace brimsett

@@ -8,18 +8,15 @@
 #include "foundation/SettingsStore.h"
 #include "ministry/ClaimTransfer.h"
 #include "ministry/FolderExchange.h"
-#include "patients/ProviderRegister.h"
 #include "screens/AnswerGrid.h"
 #include "screens/BusyParts.h"
 #include "screens/RecordList.h"
-#include "screens/RepaintingWait.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -40,50 +37,27 @@ namespace {
 
 enum Column { FileColumn, ProviderColumn, DateColumn };
 
-QPushButton* button(QWidget* parent, const QString& name, const QString& caption,
-                    const QString& tip = {}) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    b->setToolTip(tip);
-    return b;
-}
-
 }  // namespace
 
 frmReceive::frmReceive(Database& db, AppSettings& settings, SettingsStore& store,
                        Prompter& prompter, const Clock& clock, const SqlLog& log, MoneyFormat money,
                        QString officeFolder, QWidget* parent)
-    : QWidget(parent, Qt::Window),
-      m_db(db),
-      m_settings(settings),
-      m_store(store),
-      m_prompter(prompter),
-      m_clock(clock),
-      m_log(log),
-      m_money(money),
-      m_folder(std::move(officeFolder)) {
+    : TransferScreen(db, settings, store, prompter, clock, log, money, std::move(officeFolder),
+                     parent) {
     setWindowTitle(kTitle);
-    if (!m_folder.isEmpty() && !m_folder.endsWith(QLatin1Char('/'))) {
-        m_folder += QLatin1Char('/');
-    }
     m_listFolder = m_folder + FolderExchange::kDownload + QLatin1Char('/');
 
     // Created in the order Tab should follow.
     QWidget* fetch = buildFetchRow();
     QWidget* files = buildFilePanel();
     QWidget* errors = buildErrorPanel();
-    m_status = new QLabel(this);
-    m_status->setObjectName(QStringLiteral("lblStatus"));
-    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QLabel* status = makeStatusLine();
     auto* close =
         button(this, QStringLiteral("cmdClose"), QStringLiteral("&Close"), QStringLiteral("Esc"));
     connect(close, &QPushButton::clicked, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
 
     auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_status, 1);
+    bottom->addWidget(status, 1);
     bottom->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(fetch);
@@ -91,7 +65,9 @@ frmReceive::frmReceive(Database& db, AppSettings& settings, SettingsStore& store
     layout->addWidget(errors, 2);
     layout->addLayout(bottom);
 
-    loadDoctors();
+    loadDoctors(m_settings.lastDoctorReconcile);
+    // Connected after loading: only the user's choice is remembered.
+    connect(m_doctor, &QComboBox::currentIndexChanged, this, &frmReceive::doctorChanged);
     reloadFiles();
     resize(860, 640);
     m_list->setFocus();
@@ -99,20 +75,8 @@ frmReceive::frmReceive(Database& db, AppSettings& settings, SettingsStore& store
 
 QWidget* frmReceive::buildFetchRow() {
     auto* panel = new QGroupBox(QStringLiteral("Fetch the ministry's answers"), this);
-    m_doctor = new QComboBox(panel);
-    m_doctor->setObjectName(QStringLiteral("cboDoctor"));
-    m_doctor->setMinimumContentsLength(28);
-    m_doctor->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    auto* doctorLabel = new QLabel(QStringLiteral("&Doctor:"), panel);
-    doctorLabel->setBuddy(m_doctor);
-
-    m_method = new QComboBox(panel);
-    m_method->setObjectName(QStringLiteral("cboMethod"));
-    m_method->addItems(transferMethodNames());
-    m_method->setCurrentIndex(std::clamp(m_settings.submitMethod, 0, 2));
-    connect(m_method, &QComboBox::currentIndexChanged, this, &frmReceive::methodChanged);
-    auto* methodLabel = new QLabel(QStringLiteral("Met&hod:"), panel);
-    methodLabel->setBuddy(m_method);
+    auto* doctorLabel = labelFor(makeDoctorList(panel), QStringLiteral("&Doctor:"), panel);
+    auto* methodLabel = labelFor(makeMethodList(panel), QStringLiteral("Met&hod:"), panel);
 
     m_cmdReceive = button(panel, QStringLiteral("cmdReceive"), QStringLiteral("Recei&ve"),
                           QStringLiteral("Fetches the files the ministry has for the doctor"));
@@ -201,25 +165,6 @@ void frmReceive::showReconcileChoice() {
                                                   : QStringLiteral("&will NOT reconcile"));
 }
 
-void frmReceive::loadDoctors() {
-    QList<Provider> providers;
-    try {
-        providers = ProviderRegister(m_db, m_settings, m_prompter, m_log).list();
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("The providers could not be read."), e.message()});
-    }
-    for (const Provider& p : std::as_const(providers)) {
-        m_doctor->addItem(p.doctorId + QStringLiteral(" - ") + p.displayName(), p.doctorId);
-    }
-    int chosen =
-        m_doctor->findData(m_settings.lastDoctorReconcile, Qt::UserRole, Qt::MatchFixedString);
-    if (chosen < 0 && m_doctor->count() == 1) {
-        chosen = 0;
-    }
-    m_doctor->setCurrentIndex(chosen);
-    connect(m_doctor, &QComboBox::currentIndexChanged, this, &frmReceive::doctorChanged);
-}
-
 void frmReceive::doctorChanged(int index) {
     if (index < 0) {
         return;
@@ -227,15 +172,6 @@ void frmReceive::doctorChanged(int index) {
     m_settings.lastDoctorReconcile = m_doctor->currentData().toString();
     m_store.save(QStringLiteral("General"), QStringLiteral("LastDoctorReconcile"),
                  m_settings.lastDoctorReconcile);
-    m_store.sync();
-}
-
-void frmReceive::methodChanged(int index) {
-    if (index < 0) {
-        return;
-    }
-    m_settings.submitMethod = index;
-    m_store.saveNumber(QStringLiteral("General"), QStringLiteral("SubmitMethod"), index);
     m_store.sync();
 }
 
@@ -255,20 +191,14 @@ void frmReceive::reloadFiles(const QString& select) {
         m_list->resizeColumnToContents(c);
         m_list->setColumnWidth(c, std::max(m_list->columnWidth(c) + 24, 110));
     }
-    if (!selectFile(keep) && m_list->topLevelItemCount() > 0) {
-        m_list->setCurrentItem(m_list->topLevelItem(0));
-    }
+    recordlist::keepCurrent(m_list, keep);
     updateButtons();
 }
 
 std::optional<WaitingFile> frmReceive::selectedFile() const {
-    const QTreeWidgetItem* item = m_list ? m_list->currentItem() : nullptr;
-    if (item == nullptr) {
-        return std::nullopt;
-    }
-    const QString key = item->data(0, recordlist::kKeyRole).toString();
+    const QString key = recordlist::currentKey(m_list);
     for (const WaitingFile& f : m_files) {
-        if (f.fileName == key) {
+        if (!key.isEmpty() && f.fileName == key) {
             return f;
         }
     }
@@ -276,15 +206,7 @@ std::optional<WaitingFile> frmReceive::selectedFile() const {
 }
 
 bool frmReceive::selectFile(const QString& fileName) {
-    for (int i = 0; i < m_list->topLevelItemCount() && !fileName.isEmpty(); ++i) {
-        QTreeWidgetItem* item = m_list->topLevelItem(i);
-        if (item->data(0, recordlist::kKeyRole).toString() == fileName) {
-            m_list->setCurrentItem(item);
-            m_list->scrollToItem(item);
-            return true;
-        }
-    }
-    return false;
+    return recordlist::showRow(m_list, fileName);
 }
 
 void frmReceive::updateButtons() {
@@ -294,55 +216,26 @@ void frmReceive::updateButtons() {
     }
 }
 
-QString frmReceive::statusLine() const {
-    return m_status->text();
-}
-
-void frmReceive::setStatus(const QString& text) {
-    m_status->setText(text);
-}
-
-QString frmReceive::chooseDiskFolder() {
-    if (m_chooseDiskFolder) {
-        return m_chooseDiskFolder();
-    }
-    static QString last = QDir::homePath();  // where the last dialog of the run ended
-    const QString chosen = QFileDialog::getExistingDirectory(
-        this, QStringLiteral("The disk with the ministry's files"), last);
-    if (!chosen.isEmpty()) {
-        last = chosen;
-    }
-    return chosen;
-}
-
 void frmReceive::receiveClicked() {
-    const auto method = static_cast<TransferMethod>(std::clamp(m_method->currentIndex(), 0, 2));
-    TransferPlaces places{m_folder, QString()};
-    if (method == TransferMethod::Disk) {
-        places.diskFolder = chooseDiskFolder();
-        if (places.diskFolder.isEmpty()) {
-            return;
-        }
+    static QString lastDisk = QDir::homePath();  // where the last dialog of the run ended
+    const std::optional<TransferPlaces> places =
+        placesForTransfer(QStringLiteral("The disk with the ministry's files"), lastDisk);
+    if (!places) {
+        return;
     }
-    RepaintingWait wait([this](const QString& text) {
-        m_status->setText(text);
-        m_status->repaint();
-    });
-    ClaimTransfer transfer(m_db, m_store, m_clock, m_prompter, wait, m_log, places);
-    const QString doctor =
-        m_doctor->currentIndex() >= 0 ? m_doctor->currentData().toString() : QString();
+    ClaimTransfer transfer = transferTo(*places);
     setStatus({});
     std::optional<QStringList> fetched;
     {
         const BusyParts busy({m_filePanel, m_cmdReceive});
-        fetched = transfer.fetchAnswers(doctor, method);
+        fetched = transfer.fetchAnswers(doctorId(), method());
     }
     if (!fetched) {
         setStatus(QStringLiteral("Nothing was received."));
         return;
     }
-    if (method == TransferMethod::Disk) {
-        m_listFolder = QDir(places.diskFolder).absolutePath() + QLatin1Char('/');
+    if (method() == TransferMethod::Disk) {
+        m_listFolder = QDir(places->diskFolder).absolutePath() + QLatin1Char('/');
     } else {
         m_listFolder = m_folder + FolderExchange::kDownload + QLatin1Char('/');
     }

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "foundation/Money.h"
 #include "ministry/AnswerReader.h"
+#include "screens/TransferScreen.h"
 
 #include <QString>
-#include <QWidget>
 
 #include <functional>
 #include <optional>
 
 class QCheckBox;
-class QComboBox;
 class QGroupBox;
 class QLabel;
 class QPushButton;
@@ -18,13 +16,6 @@ class QTableWidget;
 class QTreeWidget;
 
 namespace brimsett {
-
-class Clock;
-class Database;
-class Prompter;
-class SettingsStore;
-class SqlLog;
-struct AppSettings;
 
 // "Reconcile": fetches the ministry's answers for a doctor by the method of the choice
 // list, lists the answer files waiting in a folder (the office's "Download" folder, or the
@@ -36,7 +27,7 @@ struct AppSettings;
 //
 // Keys: Enter on the list reads the file; Delete deletes it (asked); every button has its
 // Alt letter (Alt+A the list); Esc closes.
-class frmReceive : public QWidget {
+class frmReceive : public TransferScreen {
     Q_OBJECT
 
 public:
@@ -52,13 +43,7 @@ public:
     std::optional<WaitingFile> selectedFile() const;
     // Makes the file's row current; false when it is not listed.
     bool selectFile(const QString& fileName);
-    QString statusLine() const;
 
-    // How the disk folder is chosen for fetching by disk (by default a folder dialog); an
-    // empty answer cancels.
-    void setDiskFolderChooser(std::function<QString()> choose) {
-        m_chooseDiskFolder = std::move(choose);
-    }
     // How a file is opened in a text editor (by default the system's own for the file);
     // false when it could not be.
     void setFileOpener(std::function<bool(const QString& path)> open) {
@@ -69,37 +54,22 @@ private:
     QWidget* buildFetchRow();
     QWidget* buildFilePanel();
     QWidget* buildErrorPanel();
-    void loadDoctors();
     void reloadFiles(const QString& select = {});
     void updateButtons();
-    void setStatus(const QString& text);
     void showReconcileChoice();
 
     void doctorChanged(int index);
-    void methodChanged(int index);
     void receiveClicked();
     // Reads the chosen file and shows what it says (Read, or Enter on the list).
     void LoadData();
     void editClicked();
     void deleteClicked();
     void showAnswer(const ReceivedAnswer& answer);
-    QString chooseDiskFolder();
 
-    Database& m_db;
-    AppSettings& m_settings;
-    SettingsStore& m_store;
-    Prompter& m_prompter;
-    const Clock& m_clock;
-    const SqlLog& m_log;
-    MoneyFormat m_money;
-    QString m_folder;
     QString m_listFolder;
     QList<WaitingFile> m_files;  // as listed
-    std::function<QString()> m_chooseDiskFolder;
     std::function<bool(const QString&)> m_openFile;
 
-    QComboBox* m_doctor = nullptr;
-    QComboBox* m_method = nullptr;
     QPushButton* m_cmdReceive = nullptr;
     QGroupBox* m_filePanel = nullptr;
     QTreeWidget* m_list = nullptr;
@@ -109,7 +79,6 @@ private:
     QCheckBox* m_reconcile = nullptr;
     QLabel* m_progress = nullptr;
     QTableWidget* m_errors = nullptr;
-    QLabel* m_status = nullptr;
 };
 
 }  // namespace brimsett
