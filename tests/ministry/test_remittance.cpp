@@ -1,7 +1,6 @@
 #include "TestSupport.h"
 #include "ministry/Remittance.h"
 
-#include <QFile>
 #include <QtTest>
 
 using namespace brimsett;
@@ -39,11 +38,6 @@ int usableItems(const Remittance& r) {
         }
     }
     return n;
-}
-
-QStringList sampleLines(const QString& name) {
-    QFile f(test::samplesFolder() + QLatin1Char('/') + name);
-    return f.open(QIODevice::ReadOnly) ? received::splitLines(f.readAll()) : QStringList();
 }
 
 }  // namespace
@@ -110,40 +104,36 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("usable");
-        const QString hr5 = kHr5;
-        test::row("length", 4, false, hr5.left(78), "Incorrect record length", "78", "79", 0);
+        // Line `line` of the valid file with `text` at 1-based `pos`; the text is the value listed.
+        const auto put = [](const char* name, int line, int pos, const QString& text,
+                            const char* error, const char* expected, int usable) {
+            QString changed = validFile().at(line);
+            test::row(name, line, false, changed.replace(pos - 1, text.size(), text), error, text,
+                      expected, usable);
+        };
+        test::row("length", 4, false, kHr5.left(78), "Incorrect record length", "78", "79", 0);
         test::row("identifier", 5, false, "X" + kHr6.mid(1), "Invalid Transaction Identifier", "XR",
                   "HR", 1);
         test::row("record type", 7, false, "HR9" + kHr8.mid(3), "Invalid Record Type", "9", "1-8",
                   1);
-        test::row("provider", 0, false, QString(kHr1).replace(11, 6, "27A278"),
-                  "Invalid Health Care Provider Number", "27A278", "6 digits", 1);
-        test::row("payment date", 0, false, QString(kHr1).replace(21, 8, "20121315"),
-                  "Invalid Date", "20121315", "YYYYMMDD", 1);
-        test::row("total", 0, false, QString(kHr1).replace(59, 9, "0000082X0"),
-                  "Invalid Total Amount Payable", "0000082X0", "Numeric", 1);
-        test::row("total sign", 0, false, QString(kHr1).replace(68, 1, "+"),
-                  "Invalid Total Amount Payable Sign", "+", "(Space) or - (negative sign)", 1);
+        put("provider", 0, 12, "27A278", "Invalid Health Care Provider Number", "6 digits", 1);
+        put("payment date", 0, 22, "20121315", "Invalid Date", "YYYYMMDD", 1);
+        put("total", 0, 60, "0000082X0", "Invalid Total Amount Payable", "Numeric", 1);
+        put("total sign", 0, 69, "+", "Invalid Total Amount Payable Sign",
+            "(Space) or - (negative sign)", 1);
         test::row("HR2 tail", 1, false, QString(kHr2).replace(78, 1, "X"), "Spaces expected",
                   QString(20, ' ') + "X", "Spaces", 1);
-        test::row("transaction type", 3, false, QString(kHr4).replace(14, 1, "3"),
-                  "Invalid Transaction Type", "3", "1 or 2", 1);
-        test::row("orphan", 5, true, QString(hr5).replace(3, 11, "J2093000099"),
+        put("transaction type", 3, 15, "3", "Invalid Transaction Type", "1 or 2", 1);
+        test::row("orphan", 5, true, QString(kHr5).replace(3, 11, "J2093000099"),
                   "Invalid (orphaned) Claim Item Record", "J2093000099", "J2093000060", 1);
-        test::row("service date", 4, false, QString(hr5).replace(15, 8, "20120230"),
-                  "Invalid Service Date", "20120230", "YYYYMMDD", 0);
-        test::row("service code", 4, false, QString(hr5).replace(25, 5, "A0 3A"),
-                  "Invalid Service Code", "A0 3A", "Fee code and suffix A, B or C", 0);
-        test::row("submitted", 4, false, QString(hr5).replace(31, 6, "0077-0"),
-                  "Invalid Amount Submitted", "0077-0", "Numeric", 0);
-        test::row("paid", 4, false, QString(hr5).replace(37, 6, "00772O"), "Invalid Amount Paid",
-                  "00772O", "Numeric", 0);
-        test::row("paid sign", 4, false, QString(hr5).replace(43, 1, "+"),
-                  "Invalid Amount Paid Sign", "+", "(Space) or - (negative sign)", 0);
-        test::row("balance", 5, false, QString(kHr6).replace(13, 9, "00000A000"),
-                  "Invalid Advances", "00000A000", "Numeric", 1);
-        test::row("transaction date", 6, false, QString(kHr7).replace(6, 8, "20129930"),
-                  "Invalid Transaction Date", "20129930", "YYYYMMDD", 1);
+        put("service date", 4, 16, "20120230", "Invalid Service Date", "YYYYMMDD", 0);
+        put("service code", 4, 26, "A0 3A", "Invalid Service Code", "Fee code and suffix A, B or C",
+            0);
+        put("submitted", 4, 32, "0077-0", "Invalid Amount Submitted", "Numeric", 0);
+        put("paid", 4, 38, "00772O", "Invalid Amount Paid", "Numeric", 0);
+        put("paid sign", 4, 44, "+", "Invalid Amount Paid Sign", "(Space) or - (negative sign)", 0);
+        put("balance", 5, 14, "00000A000", "Invalid Advances", "Numeric", 1);
+        put("transaction date", 6, 7, "20129930", "Invalid Transaction Date", "YYYYMMDD", 1);
         test::row("second header", 6, true, kHr1, "Unexpected file header", "HR1", "HR2 to HR8", 1);
         test::row("out of order", 6, true, kHr5, "Record out of order", "HR5", "HR6 or later", 1);
         test::row("no header", 0, false, kHr2, "Missing file header", "HR2", "HR1", 0);
@@ -179,26 +169,11 @@ private slots:
         QVERIFY(r.claims.at(1).items.first().usable);
     }
 
-    void lineEnds_data() {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("errors");
-        QTest::addColumn<int>("usable");
-        const QByteArray body = validFile().join("\r\n").toLatin1();
-        QTest::newRow("CR LF") << body + "\r\n" << 0 << 1;
-        QTest::newRow("LF") << validFile().join("\n").toLatin1() + "\n" << 0 << 1;
-        QTest::newRow("Ctrl-Z") << body + "\r\n\x1a" << 0 << 1;
+    void truncatedItemIsUnusable() {
         // Cut after the amount submitted: the length and the missing amount paid.
-        QTest::newRow("truncated")
-            << QStringList{kHr1, kHr4, kHr5.left(37)}.join("\r\n").toLatin1() << 2 << 0;
-    }
-    void lineEnds() {
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, errors);
-        QFETCH(int, usable);
-        const Remittance r = read(received::splitLines(bytes));
-        QCOMPARE(r.errors.size(), errors);
-        QCOMPARE(usableItems(r), usable);
-        QCOMPARE(r.claims.size(), 1);
+        const Remittance r = read({kHr1, kHr4, kHr5.left(37)});
+        QCOMPARE(r.errors.size(), 2);
+        QCOMPARE(usableItems(r), 0);
     }
 
     void progressEveryFiftyLinesAndAtTheEnd() {
@@ -212,30 +187,6 @@ private slots:
             told << done;
         });
         QCOMPARE(told, (QList<int>{50, 100, 120}));
-    }
-
-    void ministrySamples() {
-        if (test::samplesFolder().isEmpty()) {
-            QSKIP("the ministry's sample files are not beside the project");
-        }
-        const Remittance ra = read(sampleLines("moh_sample_ra_extract.txt"));
-        QVERIFY(ra.errors.isEmpty());
-        QVERIFY(ra.header.directDeposit());
-        QCOMPARE(ra.claims.size(), 2);
-        QCOMPARE(usableItems(ra), 4);
-        Money paid;
-        for (const Claim& c : ra.claims) {
-            for (const Item& i : c.items) {
-                paid += *i.paid;
-            }
-        }
-        QCOMPARE(paid, *ra.header.totalPayable);
-
-        const Remittance group = read(sampleLines("moh_sample_ra_group_payment_messages.txt"));
-        QVERIFY(group.errors.isEmpty());
-        QVERIFY(group.claims.isEmpty());
-        QCOMPARE(group.transactions.size(), 4);
-        QCOMPARE(group.messages.size(), 2024);
     }
 };
 
