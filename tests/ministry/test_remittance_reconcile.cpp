@@ -11,12 +11,12 @@ namespace {
 
 const QDate kDay(2012, 2, 21);
 const QString kRef = "PJ272278.001 20121015";
-const QString kHr1 = QString("HR1V030BAAA27227800H720121015VLAAR DR HJ").leftJustified(59) +
-                     QString("000008230 99999999").leftJustified(20);
 
 QString rec(const QString& text) {
     return text.leftJustified(79, ' ');
 }
+const QString kHr1 = rec(QString("HR1V030BAAA27227800H720121015VLAAR DR HJ").leftJustified(59) +
+                         "000008230 99999999");
 QString hr4(const QString& account, const QString& claim = "J2093000060") {
     return rec("HR4" + claim + "1272278" + "00" + account.leftJustified(8) + "SMITH");
 }
@@ -27,10 +27,6 @@ QString hr5(const QString& code, int submitted, int paid, const QString& expl = 
     };
     return rec("HR5" + claim + "1" + "20120221" + "01" + code + " " + six(submitted) + six(paid) +
                (paid < 0 ? "-" : " ") + expl);
-}
-
-Money cents(int c) {
-    return Money::fromCents(c);
 }
 
 struct RemitOffice : test::BatchOffice {
@@ -49,7 +45,7 @@ struct RemitOffice : test::BatchOffice {
         for (auto it = byClaim.cbegin(); it != byClaim.cend(); ++it) {
             QList<std::tuple<QString, std::optional<Money>, QDate>> rows;
             for (const QStringList& f : it.value()) {
-                rows.append({f.at(1), cents(f.at(2).toInt()), kDay});
+                rows.append({f.at(1), Money::fromCents(f.at(2).toInt()), kDay});
             }
             const QStringList& first = it.value().first();
             claim(it.key(), first.value(4, account), "D1", rows, "HCP - P", [&](ClaimRecord& c) {
@@ -107,10 +103,8 @@ private slots:
         QFETCH(int, outcome);
         RemitOffice o;
         o.claims({QString("10000000 A003A 3370 %1").arg(status)});
-        ReconcileOptions options;
-        options.i2ToFullSubmitted = i2ToFull;
-        const ReconcileCounts counts =
-            o.reconcile({hr4("00000042"), hr5("A003A", 3370, paid, expl)}, options);
+        const ReconcileCounts counts = o.reconcile(
+            {hr4("00000042"), hr5("A003A", 3370, paid, expl)}, {.i2ToFullSubmitted = i2ToFull});
         QCOMPARE(o.rows("Select FeeSubm/100, FeePaid/100, Status, Errors From items"),
                  QStringList{written});
         QCOMPARE(int(o.remittance.claims.first().items.first().outcome), outcome);
@@ -175,9 +169,7 @@ private slots:
         o.claims({"10000001 A001C 2000 0"}, "00000043");  // another patient, same day
         o.db->exec("Update items Set ServiceDate=? Where ClaimID=70000000 And ItemID=2",
                    {kDay.addDays(1)});
-        ReconcileOptions options;
-        options.autoSplit = autoSplit;
-        o.reconcile({hr4("00000042"), hr5("A001A", 7720, 3000, "30")}, options);
+        o.reconcile({hr4("00000042"), hr5("A001A", 7720, 3000, "30")}, {.autoSplit = autoSplit});
         QCOMPARE(o.rows("Select ClaimID, ItemID, Status, Errors From items Where ClaimID<>10000000 "
                         "Order By ClaimID Desc, ItemID"),
                  others);
@@ -197,8 +189,7 @@ private slots:
                                hr5("G010A", 3370, 3202),
                                hr4("00000099", "J2093000061"),
                                hr5("A001A", 7720, 7720, {}, "J2093000061")};
-        ReconcileOptions options;
-        options.autoSplit = true;
+        const ReconcileOptions options{.autoSplit = true};
         QCOMPARE(o.reconcile(file, options), (ReconcileCounts{1, 2, 1, 0}));
         QCOMPARE(o.rows("Select RA, MOHClaim From claims Where ClaimID=10000000"),
                  QStringList{"X" + kRef + "!" + kRef + "!|J2093000060"});
