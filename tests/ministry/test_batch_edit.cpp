@@ -1,7 +1,6 @@
 #include "TestSupport.h"
 #include "ministry/BatchEdit.h"
 
-#include <QFile>
 #include <QtTest>
 
 using namespace brimsett;
@@ -23,7 +22,7 @@ const QString kCurrent = record({{1, "HB1V0300001000000201203310005J207315781257
                                  {82, "     ***  BATCH TOTALS  ***"}},
                                 batchedit::kRecordLength);
 
-// The fields of kCurrent before its message, as the grid shows them (the README's facts).
+// The fields of kCurrent before its message, as the grid shows them.
 const QStringList kCells =
     QString("00001|000000|20120331|0005|J2073157812|57822|HCP/WCB|BGAA|170332|9|38|20120731")
         .split('|');
@@ -42,21 +41,6 @@ class TestBatchEdit : public QObject {
     Q_OBJECT
 
 private slots:
-    void readsTheMinistrySample() {
-        if (test::samplesFolder().isEmpty()) {
-            QSKIP("the ministry's sample files are not beside the project");
-        }
-        QFile file(test::samplesFolder() + QStringLiteral("/moh_sample_batch_edit_HB1.txt"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QStringList lines = received::splitLines(file.readAll());
-        QVERIFY(batchedit::firstRecordValid(lines.value(0)));
-        const batchedit::Report report = batchedit::read(lines);
-        QCOMPARE(errorsOf(report), QString());
-        QCOMPARE(report.rows.size(), 1);
-        QCOMPARE(report.rows[0].cells(), kCells + QStringList{"***  BATCH TOTALS  ***"});
-        QVERIFY(!report.rows[0].rejected);
-    }
-
     void readsEachRecord_data() {
         QTest::addColumn<QString>("line");
         QTest::addColumn<QStringList>("cells");  // empty: no row shown
