@@ -177,7 +177,6 @@ private slots:
                          {QStringLiteral("Paid"), Qt::AlignRight}};
         table.pageTotals.label = QStringLiteral("Page total");
         table.pageTotals.columns = {1, 2};
-        Money billed;
         for (int i = 1; i <= 150; ++i) {
             if (i % 10 == 0) {
                 table.boldRows << static_cast<int>(table.rows.size());
@@ -186,7 +185,6 @@ private slots:
             }
             table.rows << L{QString::number(i), Money::fromCents(i).currency(), QString()};
             table.pageTotals.amounts << QList<Money>{Money::fromCents(i), -Money::fromCents(i)};
-            billed += Money::fromCents(i);
         }
         report.addTable(table);
         report.addParagraph(QStringLiteral("After the table."));
@@ -196,12 +194,10 @@ private slots:
         const QList<PageTotal> totals = printer.pageTotals();
         QCOMPARE(totals.size(), pages);
         int last = 0;  // the last row counted so far
-        Money all;
         for (int page = 0; page < pages; ++page) {
             const PageTotal& total = totals.at(page);
             QCOMPARE(total.page, page);
             QCOMPARE(total.label, QStringLiteral("Page total"));
-            QCOMPARE(total.sums.size(), 2);
             QCOMPARE(total.sums.at(1), -total.sums.at(0));
             // The page took the rows after the last page's, in order.
             Money run;
@@ -209,20 +205,14 @@ private slots:
                 run += Money::fromCents(++last);
             }
             QCOMPARE(run, total.sums.at(0));
-            all += total.sums.at(0);
         }
         QCOMPARE(last, 150);
-        QCOMPARE(all, billed);
         QCOMPARE(printer.pageTotals(300).size(), pages);
         // The total is printed under the body, above the page's footer line.
         const QImage image = printer.pageImage(0, 96);
         const QRect foot(57, 936, 700, 18);
         QVERIFY(inkIn(image, foot));
         QVERIFY(!inkIn(ReportPrinter(sample(), ReportStyle{}).pageImage(0, 96), foot));
-        const QString shot = qEnvironmentVariable("BRIMSETT_SHOTS");
-        if (!shot.isEmpty()) {
-            image.save(shot + QStringLiteral("/report-page-totals.png"));
-        }
     }
 
     void wideTableShrinksRatherThanBreakCodes() {
