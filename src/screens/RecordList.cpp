@@ -56,6 +56,13 @@ QString currentKey(const QTreeWidget* list) {
     return item ? item->data(0, kKeyRole).toString() : QString();
 }
 
+void enableForRow(const QTreeWidget* list, std::initializer_list<QWidget*> buttons) {
+    const bool chosen = list->currentItem() != nullptr;
+    for (QWidget* button : buttons) {
+        button->setEnabled(chosen);
+    }
+}
+
 QLineEdit* sizedLine(QWidget* parent, int maxLength, int widthInChars) {
     auto* line = new QLineEdit(parent);
     line->setMaxLength(maxLength);

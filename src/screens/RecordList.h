@@ -4,6 +4,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <initializer_list>
+#include <iterator>
+#include <optional>
+#include <type_traits>
+
 class QLineEdit;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -34,6 +39,23 @@ void keepCurrent(QTreeWidget* list, const QString& key);
 
 // The key of the current row; empty when there is none.
 QString currentKey(const QTreeWidget* list);
+
+// The record of the current row among the records listed (keyOf gives a record's key);
+// none when no row is current.
+template <typename Records, typename KeyOf>
+auto currentRecord(const QTreeWidget* list, const Records& records, KeyOf keyOf)
+    -> std::optional<std::decay_t<decltype(*std::begin(records))>> {
+    const QString key = currentKey(list);
+    for (const auto& record : records) {
+        if (!key.isEmpty() && keyOf(record) == key) {
+            return record;
+        }
+    }
+    return std::nullopt;
+}
+
+// The buttons that act on a row are enabled only while a row is current.
+void enableForRow(const QTreeWidget* list, std::initializer_list<QWidget*> buttons);
 
 // A field of at most maxLength characters, widthInChars wide (0: as wide as the layout
 // makes it).

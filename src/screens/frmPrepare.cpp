@@ -253,13 +253,7 @@ void frmPrepare::reloadBatches(const QString& select) {
 }
 
 std::optional<BatchRow> frmPrepare::selectedBatch() const {
-    const QString key = recordlist::currentKey(m_list);
-    for (const BatchRow& b : m_rows) {
-        if (!key.isEmpty() && b.batchId == key) {
-            return b;
-        }
-    }
-    return std::nullopt;
+    return recordlist::currentRecord(m_list, m_rows, [](const BatchRow& r) { return r.batchId; });
 }
 
 bool frmPrepare::selectBatch(const QString& batchId) {
@@ -267,10 +261,8 @@ bool frmPrepare::selectBatch(const QString& batchId) {
 }
 
 void frmPrepare::updateButtons() {
-    const bool chosen = m_list->currentItem() != nullptr;
-    for (QPushButton* b : {m_cmdSummary, m_cmdClaims, m_cmdReverse, m_cmdDelete, m_cmdSubmit}) {
-        b->setEnabled(chosen);
-    }
+    recordlist::enableForRow(m_list,
+                             {m_cmdSummary, m_cmdClaims, m_cmdReverse, m_cmdDelete, m_cmdSubmit});
 }
 
 void frmPrepare::startClicked() {

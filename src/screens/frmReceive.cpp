@@ -196,13 +196,8 @@ void frmReceive::reloadFiles(const QString& select) {
 }
 
 std::optional<WaitingFile> frmReceive::selectedFile() const {
-    const QString key = recordlist::currentKey(m_list);
-    for (const WaitingFile& f : m_files) {
-        if (!key.isEmpty() && f.fileName == key) {
-            return f;
-        }
-    }
-    return std::nullopt;
+    return recordlist::currentRecord(m_list, m_files,
+                                     [](const WaitingFile& r) { return r.fileName; });
 }
 
 bool frmReceive::selectFile(const QString& fileName) {
@@ -210,10 +205,7 @@ bool frmReceive::selectFile(const QString& fileName) {
 }
 
 void frmReceive::updateButtons() {
-    const bool chosen = m_list->currentItem() != nullptr;
-    for (QPushButton* b : {m_cmdRead, m_cmdEdit, m_cmdDelete}) {
-        b->setEnabled(chosen);
-    }
+    recordlist::enableForRow(m_list, {m_cmdRead, m_cmdEdit, m_cmdDelete});
 }
 
 void frmReceive::receiveClicked() {
