@@ -1,8 +1,12 @@
 #include "screens/AnswerGrid.h"
 
 #include <QFontMetrics>
+#include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeySequence>
+#include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTableWidget>
 
 #include <algorithm>
@@ -72,6 +76,24 @@ int fullWidth(const QTableWidget* grid) {
         width += grid->columnWidth(c);
     }
     return width;
+}
+
+QHBoxLayout* printAndClose(QWidget* window, const std::function<void()>& print) {
+    auto* printButton = new QPushButton(QStringLiteral("&Print"), window);
+    printButton->setObjectName(QStringLiteral("cmdPrint"));
+    QObject::connect(printButton, &QPushButton::clicked, window, print);
+    auto* close = new QPushButton(QStringLiteral("&Close"), window);
+    close->setObjectName(QStringLiteral("cmdClose"));
+    close->setToolTip(QStringLiteral("Esc"));
+    QObject::connect(close, &QPushButton::clicked, window, &QWidget::close);
+    QObject::connect(new QShortcut(QKeySequence(Qt::Key_Escape), window), &QShortcut::activated,
+                     window, &QWidget::close);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(printButton);
+    buttons->addWidget(close);
+    return buttons;
 }
 
 QStringList rowText(const QTableWidget* grid, int row) {

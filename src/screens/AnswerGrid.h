@@ -3,6 +3,9 @@
 #include <QList>
 #include <QStringList>
 
+#include <functional>
+
+class QHBoxLayout;
 class QTableWidget;
 class QWidget;
 
@@ -18,6 +21,10 @@ void fill(QTableWidget* grid, const QList<QStringList>& rows, int maxColumnChars
 
 // The width that shows every column whole.
 int fullWidth(const QTableWidget* grid);
+
+// The buttons under an answer's grid: Print ("cmdPrint", Alt+P) runs print, Close
+// ("cmdClose") and Esc close the window.
+QHBoxLayout* printAndClose(QWidget* window, const std::function<void()>& print);
 
 // The cells of a row, for tests and for copying.
 QStringList rowText(const QTableWidget* grid, int row);

@@ -5,10 +5,7 @@
 #include "screens/ReportPreview.h"
 
 #include <QHBoxLayout>
-#include <QKeySequence>
 #include <QLabel>
-#include <QPushButton>
-#include <QShortcut>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -58,20 +55,7 @@ frmViewBatchEdit::frmViewBatchEdit(batchedit::Report report, QString fileName, Q
         this);
     heading->setObjectName(QStringLiteral("lblHeading"));
 
-    auto* print = new QPushButton(QStringLiteral("&Print"), this);
-    print->setObjectName(QStringLiteral("cmdPrint"));
-    connect(print, &QPushButton::clicked, this, &frmViewBatchEdit::printClicked);
-    auto* close = new QPushButton(QStringLiteral("&Close"), this);
-    close->setObjectName(QStringLiteral("cmdClose"));
-    close->setToolTip(QStringLiteral("Esc"));
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(print);
-    buttons->addWidget(close);
+    QHBoxLayout* buttons = answergrid::printAndClose(this, [this] { printClicked(); });
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addWidget(m_grid, 1);

@@ -6,11 +6,8 @@
 
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeySequence>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <QShortcut>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -53,20 +50,7 @@ frmViewError::frmViewError(errorreport::ErrorReport report, QString fileName, QD
     messageLayout->addWidget(m_messages);
     messageLayout->addWidget(m_noMessages);
 
-    auto* print = new QPushButton(QStringLiteral("&Print"), this);
-    print->setObjectName(QStringLiteral("cmdPrint"));
-    connect(print, &QPushButton::clicked, this, &frmViewError::printClicked);
-    auto* close = new QPushButton(QStringLiteral("&Close"), this);
-    close->setObjectName(QStringLiteral("cmdClose"));
-    close->setToolTip(QStringLiteral("Esc"));
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(print);
-    buttons->addWidget(close);
+    QHBoxLayout* buttons = answergrid::printAndClose(this, [this] { printClicked(); });
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_grid, 1);
     layout->addWidget(m_total);
