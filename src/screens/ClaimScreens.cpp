@@ -2,11 +2,8 @@
 
 #include "claims/ClaimEntryOptions.h"
 #include "foundation/ActionRegistry.h"
+#include "screens/SingleWindow.h"
 #include "screens/frmClaim.h"
-
-#include <QPointer>
-
-#include <memory>
 
 namespace brimsett {
 
@@ -19,19 +16,12 @@ constexpr int kActionClaims = 1;
 void registerClaimScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
                          const SettingsStore& store, Prompter& prompter, const Clock& clock,
                          const SqlLog& log, const MoneyFormat& money, QWidget* parent) {
-    auto window = std::make_shared<QPointer<frmClaim>>();
-    registry.setAction(
-        kActionClaims, frmClaim::kTitle,
-        [window, &registry, &db, &settings, &store, &prompter, &clock, &log, money, parent] {
-            if (!*window) {
-                *window = new frmClaim(db, settings, ClaimEntryOptions::read(store), prompter,
-                                       clock, log, money, registry, parent);
-                (*window)->setAttribute(Qt::WA_DeleteOnClose);
-            }
-            (*window)->show();
-            (*window)->raise();
-            (*window)->activateWindow();
-        });
+    registry.setAction(kActionClaims, frmClaim::kTitle,
+                       showSingleWindow<frmClaim>([&registry, &db, &settings, &store, &prompter,
+                                                   &clock, &log, money, parent] {
+                           return new frmClaim(db, settings, ClaimEntryOptions::read(store),
+                                               prompter, clock, log, money, registry, parent);
+                       }));
 }
 
 }  // namespace brimsett

@@ -2,11 +2,8 @@
 
 #include "foundation/ActionRegistry.h"
 #include "foundation/Money.h"
+#include "screens/SingleWindow.h"
 #include "screens/frmPrepare.h"
-
-#include <QPointer>
-
-#include <memory>
 
 namespace brimsett {
 
@@ -14,19 +11,12 @@ void registerSubmitScreen(ActionRegistry& registry, Database& db, AppSettings& s
                           SettingsStore& store, Prompter& prompter, const Clock& clock,
                           const SqlLog& log, const MoneyFormat& money, const QString& officeFolder,
                           QWidget* parent) {
-    auto window = std::make_shared<QPointer<frmPrepare>>();
-    registry.setAction(
-        kActionSubmitClaims, frmPrepare::kTitle,
-        [window, &db, &settings, &store, &prompter, &clock, &log, money, officeFolder, parent] {
-            if (!*window) {
-                *window = new frmPrepare(db, settings, store, prompter, clock, log, money,
-                                         officeFolder, parent);
-                (*window)->setAttribute(Qt::WA_DeleteOnClose);
-            }
-            (*window)->show();
-            (*window)->raise();
-            (*window)->activateWindow();
-        });
+    registry.setAction(kActionSubmitClaims, frmPrepare::kTitle,
+                       showSingleWindow<frmPrepare>([&db, &settings, &store, &prompter, &clock,
+                                                     &log, money, officeFolder, parent] {
+                           return new frmPrepare(db, settings, store, prompter, clock, log, money,
+                                                 officeFolder, parent);
+                       }));
 }
 
 }  // namespace brimsett
