@@ -67,19 +67,11 @@ void printRemittance(CliSession& session, const ReceivedAnswer& answer) {
 
 void printErrorReport(CliSession& session, const ReceivedAnswer& answer) {
     const auto& report = std::get<errorreport::ErrorReport>(answer.content);
-    int rejected = 0;
-    int unknown = 0;
-    for (const auto& provider : report.providers) {
-        for (const auto& claim : provider.claims) {
-            for (const auto& item : claim.items) {
-                rejected += item.outcome == errorreport::ItemOutcome::MarkedRejected ? 1 : 0;
-                unknown += item.outcome == errorreport::ItemOutcome::Unknown ? 1 : 0;
-            }
-        }
-    }
     session.out() << "Total Items: " << report.itemCount() << "\n";
     if (answer.reconciled) {
-        session.out() << "Rejected\t" << rejected << "\nUnknown items\t" << unknown << "\n";
+        session.out() << "Rejected\t" << report.countOf(errorreport::ItemOutcome::MarkedRejected)
+                      << "\nUnknown items\t" << report.countOf(errorreport::ItemOutcome::Unknown)
+                      << "\n";
     }
 }
 

@@ -95,6 +95,8 @@ struct ErrorReport {
     QList<received::LineError> errors;
     int lineCount = 0;
     int itemCount() const;
+    // How many items applying left with this outcome.
+    int countOf(ItemOutcome outcome) const;
 };
 
 // Whether the first record is an error report header this program can read ("V03" or

@@ -2,6 +2,8 @@
 #include "ministry/ErrorReport.h"
 #include "ministry/FixedWidth.h"
 
+#include <algorithm>
+
 namespace brimsett::errorreport {
 
 namespace {
@@ -208,6 +210,18 @@ int ErrorReport::itemCount() const {
     for (const ProviderSection& provider : providers) {
         for (const Claim& claim : provider.claims) {
             count += static_cast<int>(claim.items.size());
+        }
+    }
+    return count;
+}
+
+int ErrorReport::countOf(ItemOutcome outcome) const {
+    int count = 0;
+    for (const ProviderSection& provider : providers) {
+        for (const Claim& claim : provider.claims) {
+            count += static_cast<int>(
+                std::count_if(claim.items.begin(), claim.items.end(),
+                              [outcome](const Item& item) { return item.outcome == outcome; }));
         }
     }
     return count;

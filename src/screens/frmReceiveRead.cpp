@@ -50,16 +50,8 @@ QString outcomeOf(const ReceivedAnswer& answer) {
         if (!answer.reconciled) {
             return QStringLiteral("checked only, nothing marked");
         }
-        int marked = 0;
-        int unknown = 0;
-        for (const errorreport::ProviderSection& section : report->providers) {
-            for (const errorreport::Claim& claim : section.claims) {
-                for (const errorreport::Item& item : claim.items) {
-                    marked += item.outcome == errorreport::ItemOutcome::MarkedRejected;
-                    unknown += item.outcome == errorreport::ItemOutcome::Unknown;
-                }
-            }
-        }
+        const int marked = report->countOf(errorreport::ItemOutcome::MarkedRejected);
+        const int unknown = report->countOf(errorreport::ItemOutcome::Unknown);
         return QStringLiteral("%1 marked rejected, %2 unknown")
             .arg(plural(marked, QStringLiteral("item"), QStringLiteral("items")))
             .arg(unknown);
