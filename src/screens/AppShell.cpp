@@ -6,9 +6,8 @@
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
-#include "screens/ReceiveScreens.h"
-#include "screens/SubmitScreens.h"
 #include "screens/ThirdPartyScreens.h"
+#include "screens/TransferScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmLogin.h"
 #include "screens/frmOptions.h"
@@ -132,10 +131,8 @@ void AppShell::registerScreens() {
     registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
     registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter, m_clock,
                         m_sqlLog, m_session.money, m_main.get());
-    registerSubmitScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
-                         m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
-    registerReceiveScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
-                          m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
+    registerTransferScreens(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
+                            m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
 }
 
 void AppShell::openOptions() {

@@ -8,7 +8,7 @@
 #include "ministry/BatchRegister.h"
 #include "ministry/BatchReports.h"
 #include "reports/ReportPrinter.h"
-#include "screens/SubmitScreens.h"
+#include "screens/TransferScreens.h"
 #include "screens/frmBMain.h"
 #include "screens/frmPrepare.h"
 
@@ -56,8 +56,8 @@ struct Desk : test::OfficeFixture {
         return claims.insertNew(claimentry::toRecord(entry)).claimId;
     }
     void open() {
-        registerSubmitScreen(registry, *db, settings, office.store(), prompter, clock, log, {},
-                             office.folder(), &owner);
+        registerTransferScreens(registry, *db, settings, office.store(), prompter, clock, log, {},
+                                office.folder(), &owner);
         QVERIFY(registry.runAction(kActionSubmitClaims));
         window = owner.findChild<frmPrepare*>();
         QVERIFY(window);

@@ -4,7 +4,7 @@
 #include "ministry/AnswerReports.h"
 #include "reports/ReportPrinter.h"
 #include "screens/AnswerGrid.h"
-#include "screens/ReceiveScreens.h"
+#include "screens/TransferScreens.h"
 #include "screens/frmReceive.h"
 #include "screens/frmViewBatchEdit.h"
 #include "screens/frmViewError.h"
@@ -71,8 +71,8 @@ struct Desk : test::BatchOffice {
         return QFile::exists(from) && QFile::copy(from, download() + name);
     }
     void open() {
-        registerReceiveScreen(registry, *db, settings, office.store(), prompter, clock, log, {},
-                              office.folder(), &owner);
+        registerTransferScreens(registry, *db, settings, office.store(), prompter, clock, log, {},
+                                office.folder(), &owner);
         QVERIFY(registry.runAction(kActionReconcile));
         window = owner.findChild<frmReceive*>();
         QVERIFY(window);
