@@ -1,10 +1,15 @@
 #include "foundation/Database.h"
 
+#include "foundation/KillPoints.h"
+
 #include <QAtomicInt>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QtGlobal>
+
+#include <sqlite3.h>
 
 namespace brimsett {
 
@@ -12,12 +17,47 @@ namespace {
 
 QAtomicInt g_connectionCounter;
 
+// SQLite's "busy" and "locked" families, extended codes included.
+bool isBusy(const QSqlError& e) {
+    bool ok = false;
+    const int code = e.nativeErrorCode().toInt(&ok) & 0xff;
+    return ok && (code == SQLITE_BUSY || code == SQLITE_LOCKED);
+}
+
 DbError errorOf(const QString& doing, const QString& statement, const QSqlError& e) {
     QString text = e.databaseText().isEmpty() ? e.text() : e.databaseText();
+    if (isBusy(e)) {
+        // The engine already waited its time-out; what the user needs is what happened to
+        // their work and what to do.
+        text = QStringLiteral(
+            "The database is busy: another program or computer kept it locked longer than "
+            "Brimsett waits. Nothing was changed; please try again.");
+    }
     if (text.isEmpty()) {
         text = QStringLiteral("unknown database error");
     }
     return DbError(doing, statement, text, e.nativeErrorCode());
+}
+
+// The statements of the connection that are part-way through their rows. A write
+// transaction begun while one is open cannot wait for another writer: SQLite fails it at once
+// with "database is locked" instead of using the busy time-out.
+QStringList openReads(void* handle) {
+    QStringList reads;
+    auto* db = static_cast<sqlite3*>(handle);
+    for (sqlite3_stmt* s = sqlite3_next_stmt(db, nullptr); s; s = sqlite3_next_stmt(db, s)) {
+        if (sqlite3_stmt_busy(s)) {
+            reads << QString::fromUtf8(sqlite3_sql(s));
+        }
+    }
+    return reads;
+}
+
+// The tests set BRIMSETT_STRICT_READS so that any path leaving a read open fails there;
+// a running office only gets a warning, since the transaction may still succeed.
+bool strictReads() {
+    static const bool strict = qEnvironmentVariableIntValue("BRIMSETT_STRICT_READS") != 0;
+    return strict;
 }
 
 // The old Windows engine's files carry this text near their start.
@@ -153,6 +193,7 @@ std::unique_ptr<Database> Database::createSqlite(const QString& file) {
 QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
                          const QString& doing) {
     ++m_statements;
+    killpoints::statement();
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
     if (values.isEmpty()) {
@@ -199,6 +240,17 @@ void* Database::nativeHandle() const {
 }
 
 Transaction::Transaction(Database& db, const QString& doing) : m_db(db) {
+    if (m_db.m_depth == 0 && m_db.m_dialect->driver() == QLatin1String("QSQLITE")) {
+        if (const QStringList reads = openReads(m_db.nativeHandle()); !reads.isEmpty()) {
+            const QString text =
+                QStringLiteral("a read was left open when the transaction began: ") +
+                reads.join(QStringLiteral(" | "));
+            if (strictReads()) {
+                throw DbError(doing, {}, text);
+            }
+            qWarning("%s", qPrintable(text));
+        }
+    }
     m_level = ++m_db.m_depth;
     try {
         if (m_level == 1) {

@@ -4,16 +4,18 @@
 #include "foundation/Clock.h"
 #include "foundation/Database.h"
 #include "foundation/DateText.h"
+#include "foundation/KillPoints.h"
 #include "foundation/Prompter.h"
 #include "foundation/RecordValues.h"
 #include "foundation/SettingsStore.h"
 #include "foundation/SqlLog.h"
 #include "ministry/BatchNumbers.h"
 #include "ministry/ClaimFileBatch.h"
+#include "ministry/ClaimFileNames.h"
+#include "ministry/ClaimFilePlacement.h"
 #include "patients/PatientEntry.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QSqlRecord>
 
 #include <algorithm>
@@ -25,14 +27,7 @@ namespace {
 const QString kGeneral = QStringLiteral("General");
 const QString kCounterKey = QStringLiteral("DiskIDCounter");
 const QString kNoGroup = QStringLiteral("0000");
-
-struct Doctor {
-    QString id;
-    QString groupNum;
-    QString providerNum;
-    QString mohOffice;
-    QString specCode;
-};
+const QString kBatchSection = QStringLiteral("Batch");
 
 // A typed date as "YYYYMMDD" for comparing with a claim's date; empty when it is not one.
 std::optional<QString> dateKey(const QString& typed) {
@@ -85,36 +80,41 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
         dates.start = *key;
     }
 
-    QSqlQuery doctorRow = m_db.exec(QStringLiteral("Select * From doctors Where DoctorID=?"),
-                                    {doctorId}, QStringLiteral("reading the doctor"));
-    if (!doctorRow.next()) {
+    std::optional<Doctor> found = readDoctor(doctorId);
+    if (!found) {
         m_prompter.tell(QStringLiteral("Error"),
                         {QStringLiteral("Doctor Not Found."),
                          QStringLiteral("Please check that the Doctor ID is correct.")},
                         Icon::Warning);
         return std::nullopt;
     }
-    const QSqlRecord row = doctorRow.record();
-    const Doctor doctor{
-        doctorId, recordvalue::textOf(row, "GroupNum"), recordvalue::textOf(row, "ProviderNum"),
-        recordvalue::textOf(row, "MOHOffice"), recordvalue::textOf(row, "SpecCode")};
+    const Doctor& doctor = *found;
+    const QString stem =
+        fileStem(doctor.id, doctor.groupNum, doctor.providerNum, request.oneProfile);
 
     const QDate today = m_clock.today();
     PreparedFile file;
-    file.fileName = batchnumbers::claimFileName(
-        today, fileStem(doctor.id, doctor.groupNum, doctor.providerNum, request.oneProfile),
-        takeCounter());
-    file.path = m_folder + file.fileName;
-
-    QSaveFile out(file.path);
     QStringList logLines;
     QStringList withoutItems;
+    QStringList setAside;
+    // What has to be undone should the preparation fail part-way.
+    std::optional<int> counter;
+    bool recorded = false;
+    bool placed = false;
     try {
-        if (!out.open(QIODevice::WriteOnly)) {
-            throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
-                          out.errorString());
-        }
-        Transaction tx(m_db, QStringLiteral("preparing claim file ") + file.fileName);
+        // The write lock is taken here and held to the commit: the file's name, the file and
+        // its batches are made by one preparation at a time.
+        Transaction tx(m_db, QStringLiteral("preparing a claim file"));
+        setAside = claimfileplacement::setAsideOrphans(m_db, m_store, m_folder);
+        const claimfilenames::Taken taken =
+            claimfilenames::take(m_db, m_store, m_folder, today, stem);
+        counter = taken.counter;
+        m_settings.diskIDCounter = taken.counter;
+        file.fileName = taken.fileName;
+        file.path = m_folder + file.fileName;
+        killpoints::reach("counter-taken");
+
+        QByteArray bytes;
         ClaimFileBatch writer(m_db, m_progress);
         for (const auto& [specCode, doctors] :
              batchDoctors(doctor.id, doctor.groupNum, doctor.providerNum, doctor.specCode,
@@ -128,48 +128,88 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
             if (written.batch.claims > 0) {
                 written.batch.batchId = batchnumbers::nextBatchId(m_db, today);
                 writer.record(written.batch, header, file.fileName, doctors, logLines);
-                if (out.write(written.bytes) != written.bytes.size()) {
-                    throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
-                                  out.errorString());
-                }
+                bytes += written.bytes;
                 file.batches.push_back(written.batch);
             }
             writer.restoreHeldBack(doctors);
         }
         if (file.batches.empty()) {
-            out.cancelWriting();
             tx.commit();  // only the held-back claims were touched, and put back
-            giveCounterBack();
+            claimfilenames::giveBack(m_store, taken.counter);
+            m_settings.diskIDCounter = m_store.readNumber(kGeneral, kCounterKey);
             appendWithoutItems(withoutItems);
+            tellSetAside(setAside);
             m_prompter.tell(QStringLiteral("Submit Claims"),
                             {QStringLiteral("No claims to submit.")}, Icon::Information);
             return std::nullopt;
         }
-        if (!out.commit()) {
-            throw DbError(QStringLiteral("writing the claim file ") + file.path, {},
-                          out.errorString());
+        // The transfer refuses a file the program has no record of making. The record comes
+        // before the file and the commit, so a kill after the commit cannot leave a batch
+        // that may not be sent; a record without a batch is cleared by the next preparation.
+        m_store.save(kBatchSection, file.fileName, QStringLiteral("1"));
+        recorded = true;
+        if (!m_store.sync()) {
+            throw DbError(
+                QStringLiteral("recording the claim file ") + file.fileName, {},
+                QStringLiteral("the settings file %1 cannot be written").arg(m_store.path()));
         }
-        try {
-            tx.commit();
-        } catch (...) {
-            QFile::remove(file.path);
-            throw;
+        killpoints::reach("batch-recorded");
+        if (const QString problem = claimfileplacement::placeNew(bytes, m_folder, file.fileName);
+            !problem.isEmpty()) {
+            throw DbError(QStringLiteral("writing the claim file ") + file.path, {}, problem);
         }
+        placed = true;
+        killpoints::reach("claimfile-placed");
+        tx.commit();
     } catch (...) {
-        if (out.isOpen()) {
-            out.cancelWriting();
+        if (placed) {
+            QFile::remove(file.path);
         }
-        giveCounterBack();
+        if (recorded) {
+            m_store.remove(kBatchSection, file.fileName);
+            m_store.sync();
+        }
+        if (counter) {
+            claimfilenames::giveBack(m_store, *counter);
+            m_settings.diskIDCounter = m_store.readNumber(kGeneral, kCounterKey);
+        }
         throw;
     }
+    killpoints::reach("committed");
     for (const QString& line : logLines) {
         m_log.write(line);
     }
     appendWithoutItems(withoutItems);
-    // The transfer refuses a file the program has no record of making.
-    m_store.save(QStringLiteral("Batch"), file.fileName, QStringLiteral("1"));
-    m_store.sync();
+    tellSetAside(setAside);
     return file;
+}
+
+std::optional<BatchPreparation::Doctor> BatchPreparation::readDoctor(const QString& doctorId) {
+    // Read and let go before the preparation's transaction begins: a read still open then
+    // would keep it from waiting its turn behind another program's write.
+    QSqlQuery q = m_db.exec(QStringLiteral("Select * From doctors Where DoctorID=?"), {doctorId},
+                            QStringLiteral("reading the doctor"));
+    if (!q.next()) {
+        return std::nullopt;
+    }
+    const QSqlRecord row = q.record();
+    return Doctor{doctorId, recordvalue::textOf(row, "GroupNum"),
+                  recordvalue::textOf(row, "ProviderNum"), recordvalue::textOf(row, "MOHOffice"),
+                  recordvalue::textOf(row, "SpecCode")};
+}
+
+void BatchPreparation::tellSetAside(const QStringList& names) {
+    if (names.isEmpty()) {
+        return;
+    }
+    m_prompter.tell(QStringLiteral("Submit Claims"),
+                    QStringList{QStringLiteral("A preparation that did not finish left these claim "
+                                               "files, which were never recorded as batches:")} +
+                        names +
+                        QStringList{QStringLiteral("They were moved to the folder %1 and must not "
+                                                   "be sent; their claims stayed pending.")
+                                        .arg(claimfileplacement::setAsideFolder())},
+                    Icon::Warning);
 }
 
 QString BatchPreparation::fileStem(const QString& doctorId, const QString& groupNum,
@@ -221,22 +261,6 @@ std::vector<std::pair<QString, QStringList>> BatchPreparation::batchDoctors(
         it->second << q.value(0).toString();
     }
     return batches;
-}
-
-int BatchPreparation::takeCounter() {
-    // Read afresh: the command line may have taken a number since the program started.
-    const int counter = m_store.readNumber(kGeneral, kCounterKey) + 1;
-    m_store.saveNumber(kGeneral, kCounterKey, counter);
-    m_store.sync();
-    m_settings.diskIDCounter = counter;
-    return counter;
-}
-
-void BatchPreparation::giveCounterBack() {
-    const int counter = m_store.readNumber(kGeneral, kCounterKey) - 1;
-    m_store.saveNumber(kGeneral, kCounterKey, counter);
-    m_store.sync();
-    m_settings.diskIDCounter = counter;
 }
 
 void BatchPreparation::appendWithoutItems(const QStringList& lines) {

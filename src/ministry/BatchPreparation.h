@@ -52,7 +52,9 @@ struct PreparedFile {
 // ministry's record format, one batch per specialty and location, each recorded in
 // `batches` with its claims moved into it. The whole preparation is one transaction: when
 // anything fails no claim is left held back, no `batches` row is added and no claim file is
-// left behind; the file counter is given back.
+// left behind; the file counter is given back. Killed at any moment, it leaves either the
+// file with its batches and creation record, or pending claims and at most an unrecorded
+// file that the next preparation sets aside. An existing file is never replaced.
 class BatchPreparation {
 public:
     BatchPreparation(Database& db, SettingsStore& store, AppSettings& settings, const Clock& clock,
@@ -70,6 +72,14 @@ public:
     std::optional<PreparedFile> prepare(const PrepareRequest& request);
 
 private:
+    struct Doctor {
+        QString id;
+        QString groupNum;
+        QString providerNum;
+        QString mohOffice;
+        QString specCode;
+    };
+    std::optional<Doctor> readDoctor(const QString& doctorId);
     // The name stem: the provider number when the billing number has one, else the group.
     QString fileStem(const QString& doctorId, const QString& groupNum, const QString& providerNum,
                      bool oneProfile);
@@ -79,9 +89,8 @@ private:
                                                               const QString& providerNum,
                                                               const QString& specCode,
                                                               bool oneProfile);
-    // "DiskIDCounter" is taken and saved at once; given back when no file comes of it.
-    int takeCounter();
-    void giveCounterBack();
+    // Says which unrecorded claim files a killed preparation had left and were moved away.
+    void tellSetAside(const QStringList& names);
     void appendWithoutItems(const QStringList& lines);
 
     Database& m_db;

@@ -85,19 +85,23 @@ bool ClaimTransfer::submit(const QString& fileName, TransferMethod method) {
         m_prompter.error({QStringLiteral("This submission file does not exist.")});
         return false;
     }
-    if (m_store.get(QStringLiteral("Batch"), fileName) != QLatin1String("1")) {
+    BatchRegister batches(m_db, m_prompter, m_log);
+    bool hasBatches = false;
+    std::optional<QDate> before;
+    try {
+        hasBatches = !batches.ofFile(fileName).empty();
+        before = batches.submittedOn(fileName);
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The file was not submitted."), e.message()});
+        return false;
+    }
+    // The creation record alone is not enough: a preparation killed before its commit
+    // leaves a record (and perhaps the file) but no batch, and its claims are still pending.
+    if (m_store.get(QStringLiteral("Batch"), fileName) != QLatin1String("1") || !hasBatches) {
         m_prompter.error({QStringLiteral("Brimsett does not have a record of creating this batch "
                                          "file."),
                           QStringLiteral("Please contact technical support for further "
                                          "assistance.")});
-        return false;
-    }
-    BatchRegister batches(m_db, m_prompter, m_log);
-    std::optional<QDate> before;
-    try {
-        before = batches.submittedOn(fileName);
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("The file was not submitted."), e.message()});
         return false;
     }
     if (before && !m_prompter.confirm(
