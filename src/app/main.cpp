@@ -1,3 +1,4 @@
+#include "foundation/FileModes.h"
 #include "foundation/OfficePaths.h"
 #include "foundation/SettingsStore.h"
 #include "screens/AppShell.h"
@@ -9,6 +10,8 @@
 #include <QTimer>
 
 int main(int argc, char** argv) {
+    // Before anything is written: the settings and every office file are the user's alone.
+    brimsett::filemodes::ownerOnly();
     brimsett::BrimsettApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Brimsett"));
     QApplication::setApplicationVersion(QStringLiteral("0.1"));

@@ -1,5 +1,7 @@
 #include "cli/CliSession.h"
 
+#include "foundation/FileModes.h"
+
 namespace brimsett {
 
 namespace {
@@ -19,7 +21,10 @@ CliSession::CliSession(const QString& home, const QString& settingsFile, bool al
       m_store(settingsPath(settingsFile)),
       m_prompter(alwaysYes),
       m_access(m_store),
-      m_out(stdout) {}
+      m_out(stdout) {
+    // Before anything is written: the settings and every office file are the user's alone.
+    filemodes::ownerOnly();
+}
 
 CliSession::~CliSession() {
     // The command line is not a running program: leave the "Open" mark as it found it.

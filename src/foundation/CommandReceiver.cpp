@@ -1,6 +1,7 @@
 #include "foundation/CommandReceiver.h"
 
 #include "foundation/Backup.h"
+#include "foundation/PrivateSocket.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -57,7 +58,11 @@ CommandReceiver::~CommandReceiver() {
     delete m_server;
 }
 
-QString CommandReceiver::serverName(const OfficePaths& paths) {
+QString CommandReceiver::serverName(const OfficePaths& paths, QString* problem) {
+    const QString folder = privatesocket::folder(problem);
+    if (folder.isEmpty()) {
+        return {};
+    }
     const QFileInfo info(paths.folder());
     QString canonical = info.canonicalFilePath();
     if (canonical.isEmpty()) {
@@ -65,7 +70,7 @@ QString CommandReceiver::serverName(const OfficePaths& paths) {
     }
     const QByteArray digest =
         QCryptographicHash::hash(canonical.toUtf8(), QCryptographicHash::Sha1).toHex();
-    return QStringLiteral("brimsett-") + QString::fromLatin1(digest.left(16));
+    return folder + QStringLiteral("/brimsett-") + QString::fromLatin1(digest.left(16));
 }
 
 bool CommandReceiver::listen(QString* error) {
@@ -81,7 +86,14 @@ bool CommandReceiver::listen(QString* error) {
     // a socket with access rights under a temporary name and renames it into place.
     // Two programs starting in the very same instant could both get here; one then loses
     // its receiver, which is all that is at stake.
-    const QString name = serverName(m_paths);
+    QString problem;
+    const QString name = serverName(m_paths, &problem);
+    if (name.isEmpty()) {
+        if (error) {
+            *error = QStringLiteral("Cannot receive commands from other programs: ") + problem;
+        }
+        return false;
+    }
     if (liveServerAt(name)) {
         if (error) {
             *error = QStringLiteral(
@@ -120,6 +132,12 @@ void CommandReceiver::close() {
 void CommandReceiver::accept() {
     while (m_server->hasPendingConnections()) {
         QLocalSocket* socket = m_server->nextPendingConnection();
+        // The socket's folder keeps others out; this is the second lock on the door.
+        if (!privatesocket::peerIsThisUser(socket->socketDescriptor())) {
+            socket->abort();
+            socket->deleteLater();
+            continue;
+        }
         m_pending.insert(socket, {});
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); });
         connect(socket, &QLocalSocket::disconnected, this, [this, socket] { drop(socket); });

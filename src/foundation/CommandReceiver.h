@@ -56,8 +56,10 @@ public:
                     QObject* parent = nullptr);
     ~CommandReceiver() override;
 
-    // "brimsett-" and 16 hex digits of the SHA-1 of the canonical office folder.
-    static QString serverName(const OfficePaths& paths);
+    // The socket's path: "brimsett-" and 16 hex digits of the SHA-1 of the canonical office
+    // folder, in this user's private runtime folder. Empty, with the reason in problem, when
+    // there is no folder that only this user can write to.
+    static QString serverName(const OfficePaths& paths, QString* problem = nullptr);
 
     // Takes over a socket left by a program that ended without closing it. Refuses, with the
     // reason in error, when another running program already receives for this office folder.

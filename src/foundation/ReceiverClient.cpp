@@ -1,6 +1,7 @@
 #include "foundation/ReceiverClient.h"
 
 #include "foundation/CommandReceiver.h"
+#include "foundation/PrivateSocket.h"
 
 #include <QDeadlineTimer>
 #include <QLocalSocket>
@@ -22,8 +23,14 @@ void setError(QString* error, const QString& text) {
 std::optional<QString> sendCommand(const OfficePaths& paths, const QString& line, int timeoutMs,
                                    QString* error) {
     const QDeadlineTimer deadline(timeoutMs);
+    QString problem;
+    const QString name = CommandReceiver::serverName(paths, &problem);
+    if (name.isEmpty()) {
+        setError(error, QStringLiteral("Cannot reach Brimsett: ") + problem);
+        return std::nullopt;
+    }
     QLocalSocket socket;
-    socket.connectToServer(CommandReceiver::serverName(paths));
+    socket.connectToServer(name);
     if (!socket.waitForConnected(timeoutMs)) {
         const bool absent = socket.error() == QLocalSocket::ServerNotFoundError ||
                             socket.error() == QLocalSocket::ConnectionRefusedError;
@@ -31,6 +38,13 @@ std::optional<QString> sendCommand(const OfficePaths& paths, const QString& line
                                      .arg(paths.folder())
                                : QStringLiteral("Cannot reach Brimsett on the office folder %1: %2")
                                      .arg(paths.folder(), socket.errorString()));
+        return std::nullopt;
+    }
+    if (!privatesocket::peerIsThisUser(socket.socketDescriptor())) {
+        socket.abort();
+        setError(error, QStringLiteral("The program at %1 is not run by this user; it is not "
+                                       "trusted and was sent nothing.")
+                            .arg(name));
         return std::nullopt;
     }
     // The line must stay one line, or the receiver would run only its first part.
@@ -66,9 +80,14 @@ std::optional<QString> sendCommand(const OfficePaths& paths, const QString& line
 }
 
 bool receiverRunning(const OfficePaths& paths) {
+    const QString name = CommandReceiver::serverName(paths);
+    if (name.isEmpty()) {
+        return false;
+    }
     QLocalSocket socket;
-    socket.connectToServer(CommandReceiver::serverName(paths));
-    if (!socket.waitForConnected(kRunningProbeMs)) {
+    socket.connectToServer(name);
+    if (!socket.waitForConnected(kRunningProbeMs) ||
+        !privatesocket::peerIsThisUser(socket.socketDescriptor())) {
         return false;
     }
     socket.abort();

@@ -2,6 +2,7 @@
 
 #include "foundation/AccessLevels.h"
 #include "foundation/Clock.h"
+#include "foundation/FileModes.h"
 #include "foundation/Prompter.h"
 #include "foundation/Schema.h"
 #include "foundation/SchemaUpgrade.h"
@@ -121,6 +122,7 @@ void Startup::applyPendingRestore(Result& result) {
 
 Startup::Result Startup::run() {
     Result result;
+    filemodes::ownerOnly();
     if (!prepareDatabaseFile(result)) {
         result.outcome = Outcome::SetupFailed;
         return result;
@@ -130,6 +132,12 @@ Startup::Result Startup::run() {
     applyPendingRestore(result);
 
     const QString location = m_paths.databaseFile(result.settings.dbPath);
+    // An office made before its files were kept private is made so now.
+    filemodes::makePrivate(m_paths.folder());
+    filemodes::makePrivate(location);
+    for (const QString& suffix : kCompanions) {
+        filemodes::makePrivate(location + suffix);
+    }
     auto opened = Database::openSqlite(location);
     if (auto* failure = std::get_if<OpenFailure>(&opened)) {
         m_prompter.tell(failure->title(), failure->lines(), Icon::Critical);

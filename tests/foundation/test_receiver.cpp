@@ -5,19 +5,24 @@
 #include "foundation/CommandReceiver.h"
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
+#include "foundation/PrivateSocket.h"
 #include "foundation/ReceiverClient.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QSqlQuery>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <cstring>
 #include <stdexcept>
 #include <thread>
@@ -101,16 +106,38 @@ int fileFormatVersion(const QString& file) {
 }
 
 // What a program that was killed leaves behind: a socket file nobody listens on.
-bool leaveStaleSocket(const QString& path) {
+int boundSocket(const QString& path) {
     const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const QByteArray name = QFile::encodeName(path);
     std::strncpy(address.sun_path, name.constData(), sizeof(address.sun_path) - 1);
-    const bool bound = ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0;
-    ::close(fd);
-    return bound;
+    if (::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
+        ::close(fd);
+        return -1;
+    }
+    return fd;
 }
+
+bool leaveStaleSocket(const QString& path) {
+    const int fd = boundSocket(path);
+    if (fd >= 0) {
+        ::close(fd);
+    }
+    return fd >= 0;
+}
+
+// Sets an environment variable for one test and puts it back after.
+struct ScopedEnv {
+    QByteArray name;
+    QByteArray before;
+    bool had;
+    ScopedEnv(const char* n, const QString& value)
+        : name(n), before(qgetenv(n)), had(qEnvironmentVariableIsSet(n)) {
+        qputenv(n, QFile::encodeName(value));
+    }
+    ~ScopedEnv() { had ? (void)qputenv(name, before) : (void)qunsetenv(name); }
+};
 
 }  // namespace
 
@@ -194,12 +221,71 @@ private slots:
         const auto name = [](const QString& folder) {
             return CommandReceiver::serverName(OfficePaths(folder));
         };
-        QVERIFY(QRegularExpression(QStringLiteral("^brimsett-[0-9a-f]{16}$"))
+        QVERIFY(QRegularExpression(QStringLiteral("/brimsett-[0-9a-f]{16}$"))
                     .match(name(folder))
                     .hasMatch());
+        QVERIFY(privatesocket::isPrivateFolder(QFileInfo(name(folder)).absolutePath()));
         QVERIFY(name(folder) != name(other.folder()));
         QCOMPARE(name(folder + QStringLiteral("sub/../")), name(folder));
         QCOMPARE(name(other.file(QStringLiteral("link"))), name(folder));
+    }
+
+    // Another user could put a socket of their own where the office's receiver is looked for,
+    // hear its commands and forge answers. The socket lives only in a folder of this user's
+    // alone, and the program at its other end must run as this user.
+    void forgedSocketsAreNotTrusted() {
+        test::TempOffice office;
+        const OfficePaths paths(office.folder());
+        QTemporaryDir runtime;
+        QTemporaryDir temp;
+        ::chmod(QFile::encodeName(runtime.path()).constData(), 0777);
+        const ScopedEnv xdg("XDG_RUNTIME_DIR", runtime.path());
+        const ScopedEnv tmp("TMPDIR", temp.path());
+        const QString own = temp.path() + QStringLiteral("/brimsett-%1").arg(::geteuid());
+
+        // A runtime folder others may write to is passed over for one of this user's own.
+        QCOMPARE(QFileInfo(CommandReceiver::serverName(paths)).absolutePath(), own);
+        QVERIFY(privatesocket::isPrivateFolder(own));
+
+        // That folder put there by someone else (here: a link, or opened to all) is refused.
+        QVERIFY(QDir(own).removeRecursively());
+        QVERIFY(QFile::link(runtime.path(), own));
+        QString problem;
+        QCOMPARE(CommandReceiver::serverName(paths, &problem), QString());
+        QVERIFY2(problem.contains(own), qPrintable(problem));
+        QString error;
+        QVERIFY(!sendCommand(paths, QStringLiteral("PATIENT 1"), 1000, &error));
+        QVERIFY2(error.startsWith(QStringLiteral("Cannot reach Brimsett: ")), qPrintable(error));
+        QVERIFY(QFile::remove(own));
+        QVERIFY(QDir().mkdir(own));
+        ::chmod(QFile::encodeName(own).constData(), 0755);
+        QCOMPARE(CommandReceiver::serverName(paths), QString());
+        ::chmod(QFile::encodeName(own).constData(), 0700);
+
+        // A server run by another user in the right place gets nothing sent.
+        if (::geteuid() != 0) {
+            QSKIP("only root can run a server as another user");
+        }
+        const QString name = CommandReceiver::serverName(paths);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const int fd = boundSocket(name);
+            if (fd < 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0 || ::listen(fd, 1) != 0) {
+                ::_exit(1);
+            }
+            const int client = ::accept(fd, nullptr, nullptr);
+            (void)!::write(client, "OK\n", 3);
+            ::sleep(1);
+            ::_exit(0);
+        }
+        QVERIFY(QTest::qWaitFor([&] { return QFileInfo::exists(name); }, 3000));
+        QTest::qWait(100);  // listening comes just after the name appears
+        const std::optional<QString> forged =
+            sendCommand(paths, QStringLiteral("PATIENT 1"), 2000, &error);
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        QVERIFY2(!forged, qPrintable(forged.value_or(QString())));
+        QVERIFY2(error.contains(QStringLiteral("not trusted")), qPrintable(error));
     }
 
     void brokenClientsDoNotStopTheReceiver() {
