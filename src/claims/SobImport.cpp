@@ -2,11 +2,10 @@
 
 #include "claims/ServiceCodeRows.h"
 #include "claims/SobLine.h"
+#include "foundation/BoundedLines.h"
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
 #include "foundation/SqlLog.h"
-
-#include <QFile>
 
 namespace brimsett {
 
@@ -17,25 +16,10 @@ const QString kCountTitle = QStringLiteral("Update Fee Schedules");
 constexpr int kListedBadLines = 30;
 constexpr int kProgressEvery = 250;
 
-// The file's lines without their CR, LF or CR LF. Empty lines and a Ctrl-Z end marker at the
-// end of the file are no lines.
-QStringList linesOf(const QByteArray& bytes) {
-    QString text = QString::fromLatin1(bytes);
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    QStringList lines = text.split(QLatin1Char('\n'));
-    const auto dropEmptyTail = [&lines] {
-        while (!lines.isEmpty() && lines.last().isEmpty()) {
-            lines.removeLast();
-        }
-    };
-    dropEmptyTail();
-    if (!lines.isEmpty() && lines.last().endsWith(QChar(0x1A))) {
-        lines.last().chop(1);
-        dropEmptyTail();
-    }
-    return lines;
-}
+// The master file of 2013 is half a megabyte of 75-character lines; a schedule many times
+// larger is still far below these.
+const boundedlines::Limits kSobLimits{8 * 1024 * 1024, 100'000, 256,
+                                      QStringLiteral("a schedule of benefits file")};
 
 }  // namespace
 
@@ -43,16 +27,28 @@ SobImport::SobImport(Database& db, Prompter& prompter, const SqlLog& log)
     : m_db(db), m_prompter(prompter), m_log(log) {}
 
 SobImport::Result SobImport::run(const QString& fileName) {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_prompter.error({QStringLiteral("The OHIP Schedule of Benefits file"),
-                          QStringLiteral("could not be opened: ") + fileName, file.errorString()});
-        return {};
+    boundedlines::Result file = boundedlines::readFile(fileName, kSobLimits);
+    switch (file.status) {
+        case boundedlines::Result::Status::Read:
+            break;
+        case boundedlines::Result::Status::NotOpened:
+        case boundedlines::Result::Status::ReadFailed:
+            m_prompter.error({QStringLiteral("The OHIP Schedule of Benefits file"),
+                              QStringLiteral("could not be opened: ") + fileName, file.reason});
+            return {};
+        case boundedlines::Result::Status::NotRegularFile:
+        case boundedlines::Result::Status::TooLarge:
+        case boundedlines::Result::Status::TooManyLines:
+            m_prompter.error({QStringLiteral("The OHIP Schedule of Benefits file"), file.reason});
+            return {};
     }
-    const QStringList lines = linesOf(file.readAll());
-    file.close();
+    // Empty lines at the end are no codes.
+    QList<boundedlines::Line>& lines = file.lines;
+    while (!lines.isEmpty() && lines.last().length == 0) {
+        lines.removeLast();
+    }
     const std::optional<sob::Layout> layout =
-        lines.isEmpty() ? std::nullopt : sob::layoutOf(lines.first().size());
+        lines.isEmpty() ? std::nullopt : sob::layoutOf(lines.first().length);
     if (!layout) {
         m_prompter.error({QStringLiteral("The OHIP Schedule of Benefits file"),
                           QStringLiteral("is not in the expected format.")});
@@ -70,7 +66,12 @@ SobImport::Result SobImport::run(const QString& fileName) {
             if (m_progress && i % kProgressEvery == 0 && !m_progress(i, total)) {
                 return {};
             }
-            const auto read = sob::readLine(lines.at(i), *layout);
+            const boundedlines::Line& line = lines.at(i);
+            // A line cut short in reading is told by its whole length.
+            const auto read =
+                line.isCut()
+                    ? std::variant<SobLine, QString>(sob::lengthProblem(line.length, *layout))
+                    : sob::readLine(line.text, *layout);
             if (const QString* reason = std::get_if<QString>(&read)) {
                 result.lineErrors << QStringLiteral("Line Number: %1 - %2").arg(i + 1).arg(*reason);
                 continue;

@@ -63,12 +63,18 @@ int lengthOf(Layout layout) {
     return layout == Layout::Long ? kLongLength : kShortLength;
 }
 
+QString lengthProblem(qint64 length, Layout layout) {
+    if (length == lengthOf(layout)) {
+        return {};
+    }
+    return QStringLiteral("The line is %1 characters long instead of %2.")
+        .arg(length)
+        .arg(lengthOf(layout));
+}
+
 std::variant<SobLine, QString> readLine(const QString& text, Layout layout) {
-    const int length = lengthOf(layout);
-    if (text.size() != length) {
-        return QStringLiteral("The line is %1 characters long instead of %2.")
-            .arg(text.size())
-            .arg(length);
+    if (const QString problem = lengthProblem(text.size(), layout); !problem.isEmpty()) {
+        return problem;
     }
     SobLine line;
     line.code = text.left(4).toUpper();

@@ -39,6 +39,9 @@ int lengthOf(Layout layout);
 // The termination date the schedule uses for "never terminated".
 inline const QDate kOpenTermination(1980, 1, 1);
 
+// Why a line of `length` characters is not one of the layout's; empty when it is.
+QString lengthProblem(qint64 length, Layout layout);
+
 // Reads one line (without its line break) of the layout, units included. A line that does
 // not read gives the reason, one sentence quoting the bad text.
 std::variant<SobLine, QString> readLine(const QString& line, Layout layout);

@@ -127,6 +127,12 @@ int commandReceive(CliSession& session, const QStringList& args) {
         case received::FileKind::Unknown:
             break;
     }
+    // A remittance cut short reads without a fault of its own lines: only its total tells.
+    if (const auto* advice = std::get_if<remittance::Remittance>(&answer->content)) {
+        if (const QString problem = advice->payableProblem(); !problem.isEmpty()) {
+            return fail(problem);
+        }
+    }
     session.out() << "Finished\n";
     return 0;
 }

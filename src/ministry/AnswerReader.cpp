@@ -1,5 +1,6 @@
 #include "ministry/AnswerReader.h"
 
+#include "foundation/BoundedLines.h"
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "ministry/FixedWidth.h"
@@ -42,6 +43,11 @@ void describeFirstRecord(const QString& line, WaitingFile& file) {
     }
 }
 
+// A large group's monthly remittance is a few megabytes of 79-character records; ten times
+// that is still far from what a mistaken choice (a device, a disk image) would feed in.
+const boundedlines::Limits kAnswerLimits{32 * 1024 * 1024, 400'000, received::kLongestLineKept,
+                                         QStringLiteral("an answer from the ministry")};
+
 QStringList notAnswerFile(const QString& fileName) {
     return {QStringLiteral("This file does not appear"), QStringLiteral("to be a valid OHIP file."),
             QStringLiteral("(File name: %1)").arg(fileName)};
@@ -74,18 +80,33 @@ std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompt
                                          const QString& path, const ReadOptions& options,
                                          const received::Progress& progress) {
     const QString fileName = QFileInfo(path).fileName();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        prompter.error({QStringLiteral("Could not open file ") + fileName});
-        return std::nullopt;
+    boundedlines::Result file = boundedlines::readFile(path, kAnswerLimits);
+    switch (file.status) {
+        case boundedlines::Result::Status::Read:
+            break;
+        case boundedlines::Result::Status::NotOpened:
+            prompter.error({QStringLiteral("Could not open file ") + fileName});
+            return std::nullopt;
+        case boundedlines::Result::Status::ReadFailed:
+            // Opened but not read through (a damaged disk, a share gone): nothing half read.
+            prompter.error({QStringLiteral("Could not open file ") + fileName, file.reason});
+            return std::nullopt;
+        case boundedlines::Result::Status::NotRegularFile:
+        case boundedlines::Result::Status::TooLarge:
+        case boundedlines::Result::Status::TooManyLines:
+            prompter.error({file.reason});
+            return std::nullopt;
     }
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        // Opened but not read through (a damaged disk, a share gone): nothing half read.
-        prompter.error({QStringLiteral("Could not open file ") + fileName, file.errorString()});
-        return std::nullopt;
+    QStringList lines;
+    received::CutLines cut;
+    lines.reserve(file.lines.size());
+    for (boundedlines::Line& line : file.lines) {
+        if (line.isCut()) {
+            cut.insert(int(lines.size()), line.length);
+        }
+        lines << std::move(line.text);
     }
-    const QStringList lines = received::splitLines(bytes);
+    file.lines.clear();
     const FileKind kind = lines.isEmpty() ? FileKind::Unknown : received::kindOf(lines.first());
 
     ReceivedAnswer answer;
@@ -105,7 +126,7 @@ std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompt
                                   Icon::Critical);
                     return std::nullopt;
                 }
-                answer.content = batchedit::read(lines, progress);
+                answer.content = batchedit::read(lines, progress, cut);
                 break;
             case FileKind::ErrorReport: {
                 if (!errorreport::firstRecordValid(lines.first())) {
@@ -115,7 +136,7 @@ std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompt
                                   Icon::Critical);
                     return std::nullopt;
                 }
-                errorreport::ErrorReport report = errorreport::read(lines, progress);
+                errorreport::ErrorReport report = errorreport::read(lines, progress, cut);
                 errorreport::lookUp(db, log, report, options.reconcile,
                                     options.remittance.autoSplit);
                 answer.reconciled = options.reconcile;
@@ -123,7 +144,7 @@ std::optional<ReceivedAnswer> readAnswer(Database& db, const SqlLog& log, Prompt
                 break;
             }
             case FileKind::Remittance: {
-                remittance::Remittance remittance = remittance::read(lines, progress);
+                remittance::Remittance remittance = remittance::read(lines, progress, cut);
                 if (options.reconcile) {
                     answer.counts = remittance::reconcile(
                         db, log, remittance, remittance.reference(fileName), options.remittance);

@@ -51,8 +51,10 @@ struct Report {
 // file." with the title "OHIP Batch Edit File".
 bool firstRecordValid(const QString& line);
 
-// Reads every line; never stops on a fault, which goes to `errors` instead.
-Report read(const QStringList& lines, const received::Progress& progress = {});
+// Reads every line; never stops on a fault, which goes to `errors` instead. A line in `cut`
+// is one fault and no record.
+Report read(const QStringList& lines, const received::Progress& progress = {},
+            const received::CutLines& cut = {});
 
 }  // namespace batchedit
 }  // namespace brimsett

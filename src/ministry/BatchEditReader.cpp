@@ -83,12 +83,16 @@ bool firstRecordValid(const QString& line) {
            claimform::isProviderNumber(take(line, kProviderPos + shiftOf(v03), 6));
 }
 
-Report read(const QStringList& lines, const received::Progress& progress) {
+Report read(const QStringList& lines, const received::Progress& progress,
+            const received::CutLines& cut) {
     Report report;
     report.lineCount = static_cast<int>(lines.size());
     for (int i = 0; i < report.lineCount; ++i) {
         if (progress && i > 0 && i % received::kProgressEvery == 0) {
             progress(i, report.lineCount);
+        }
+        if (received::listedAsCut(cut, i, kRecordLength, report.errors)) {
+            continue;
         }
         const QString& line = lines.at(i);
         const int number = i + 1;

@@ -104,8 +104,10 @@ struct ErrorReport {
 // to be a valid OHIP file." with the title "OHIP EDT Error Report File".
 bool firstRecordValid(const QString& line);
 
-// Reads every line; never stops on a fault, which goes to `errors` instead.
-ErrorReport read(const QStringList& lines, const received::Progress& progress = {});
+// Reads every line; never stops on a fault, which goes to `errors` instead. A line in `cut`
+// is one fault and no record.
+ErrorReport read(const QStringList& lines, const received::Progress& progress = {},
+                 const received::CutLines& cut = {});
 
 // Finds each provider's doctor and each claim (or its patient) for the report, and, when
 // `reconcile`, marks the matching pending items rejected with their error codes: one

@@ -234,7 +234,8 @@ bool firstRecordValid(const QString& line) {
            claimform::isProviderNumber(take(line, kProviderPos, 6));
 }
 
-ErrorReport read(const QStringList& lines, const received::Progress& progress) {
+ErrorReport read(const QStringList& lines, const received::Progress& progress,
+                 const received::CutLines& cut) {
     ErrorReport report;
     report.lineCount = static_cast<int>(lines.size());
     Reader reader(report);
@@ -242,7 +243,9 @@ ErrorReport read(const QStringList& lines, const received::Progress& progress) {
         if (progress && i > 0 && i % received::kProgressEvery == 0) {
             progress(i, report.lineCount);
         }
-        reader.readLine(lines.at(i), i + 1);
+        if (!received::listedAsCut(cut, i, kRecordLength, report.errors)) {
+            reader.readLine(lines.at(i), i + 1);
+        }
     }
     if (progress) {
         progress(report.lineCount, report.lineCount);

@@ -1,6 +1,9 @@
 #include "ministry/ReceivedFile.h"
 
+#include "foundation/BoundedLines.h"
 #include "ministry/FixedWidth.h"
+
+#include <limits>
 
 namespace brimsett::received {
 
@@ -28,29 +31,22 @@ QStringList cellsOf(const LineError& error) {
 }
 
 QStringList splitLines(const QByteArray& bytes) {
-    QByteArray data = bytes;
-    const qsizetype eof = data.indexOf('\x1a');
-    if (eof >= 0) {
-        data.truncate(eof);
-    }
     QStringList lines;
-    qsizetype start = 0;
-    const qsizetype size = data.size();
-    for (qsizetype i = 0; i < size; ++i) {
-        const char c = data.at(i);
-        if (c != '\r' && c != '\n') {
-            continue;
-        }
-        lines << QString::fromLatin1(data.constData() + start, i - start);
-        if (c == '\r' && i + 1 < size && data.at(i + 1) == '\n') {
-            ++i;
-        }
-        start = i + 1;
-    }
-    if (start < size) {
-        lines << QString::fromLatin1(data.constData() + start, size - start);
+    for (const boundedlines::Line& line :
+         boundedlines::split(bytes, std::numeric_limits<qsizetype>::max())) {
+        lines << line.text;
     }
     return lines;
+}
+
+bool listedAsCut(const CutLines& cut, int index, int length, QList<LineError>& errors) {
+    const auto found = cut.constFind(index);
+    if (found == cut.constEnd()) {
+        return false;
+    }
+    errors << LineError{index + 1, QStringLiteral("Incorrect record length"),
+                        QString::number(*found), QString::number(length)};
+    return true;
 }
 
 QString progressText(int linesRead, int totalLines) {

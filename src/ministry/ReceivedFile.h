@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDate>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -33,6 +34,14 @@ QStringList cellsOf(const LineError& error);
 // ends the file (what follows it is not read); a last line left empty by the final line
 // break is no record. Bytes are read as Latin-1, one character per position.
 QStringList splitLines(const QByteArray& bytes);
+
+// Lines of a file too long to be any record, kept only in part: the whole length of each by
+// its index (from 0). Such a line is one "Incorrect record length" row, never read as a record.
+using CutLines = QHash<int, qint64>;
+// A record is at most 132 characters (a batch edit's); a line is kept to this many.
+inline constexpr qsizetype kLongestLineKept = 256;
+// Lists line `index` when it was cut; true when it was (and is to be skipped).
+bool listedAsCut(const CutLines& cut, int index, int length, QList<LineError>& errors);
 
 // Readers report every so many lines and at the end; the screen shows progressText.
 using Progress = std::function<void(int linesRead, int totalLines)>;

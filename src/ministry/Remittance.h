@@ -124,13 +124,24 @@ struct Remittance {
     QList<received::LineError> errors;
     int lineCount = 0;
 
+    // The amount payable as the records read add it up: the items' payments, the
+    // accounting transactions and the balance forward. An amount that does not read adds
+    // nothing (its line is listed already).
+    Money amountRead() const;
+    // Why the header's amount payable does not vouch for a file read whole: it differs from
+    // amountRead() (a file cut short or damaged), or there is none that reads. Empty when
+    // the two agree.
+    QString payableProblem(const MoneyFormat& money = {}) const;
+
     // What a claim's `RA` records of this file: the file name and the payment date,
     // "PJ272278.001 20121015"; the file name alone when the payment date is unreadable.
     QString reference(const QString& fileName) const;
 };
 
-// Reads every line; never stops on a fault, which goes to `errors` instead.
-Remittance read(const QStringList& lines, const received::Progress& progress = {});
+// Reads every line; never stops on a fault, which goes to `errors` instead. A line in `cut`
+// is one fault and no record.
+Remittance read(const QStringList& lines, const received::Progress& progress = {},
+                const received::CutLines& cut = {});
 
 // How reconciliation treats the explanatory code "I2" and the split partners.
 struct ReconcileOptions {

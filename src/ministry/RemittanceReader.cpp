@@ -58,7 +58,8 @@ QString messageOf(QString text) {
 
 class Reader {
 public:
-    Remittance read(const QStringList& lines, const received::Progress& progress);
+    Remittance read(const QStringList& lines, const received::Progress& progress,
+                    const received::CutLines& cut);
 
 private:
     void fault(const QString& error, const QString& value, const QString& expected) {
@@ -297,14 +298,20 @@ void Reader::transaction() {
     m_r.transactions << t;
 }
 
-Remittance Reader::read(const QStringList& lines, const received::Progress& progress) {
+Remittance Reader::read(const QStringList& lines, const received::Progress& progress,
+                        const received::CutLines& cut) {
     const int total = int(lines.size());
     m_r.lineCount = total;
     for (int n = 0; n < total; ++n) {
         m_text = lines.at(n);
         m_line = n + 1;
-        m_lengthOk = received::checkLength(m_text, m_line, kRecordLength, m_r.errors);
-        if (recordKnown()) {
+        const bool cutShort = received::listedAsCut(cut, n, kRecordLength, m_r.errors);
+        if (cutShort) {
+            // Perhaps a claim header: the items after it must not join the claim before it.
+            m_claim = -1;
+        }
+        m_lengthOk = !cutShort && received::checkLength(m_text, m_line, kRecordLength, m_r.errors);
+        if (!cutShort && recordKnown()) {
             const QChar type = m_text.at(2);
             checkOrder(type);
             switch (type.toLatin1()) {
@@ -339,6 +346,12 @@ Remittance Reader::read(const QStringList& lines, const received::Progress& prog
     if (progress && (total == 0 || total % received::kProgressEvery != 0)) {
         progress(total, total);
     }
+    const std::optional<Money>& payable = m_r.header.totalPayable;
+    if (m_r.header.line != 0 && payable && *payable != m_r.amountRead()) {
+        m_r.errors << LineError{
+            m_r.header.line, QStringLiteral("Total Amount Payable differs from the records read"),
+            m_r.amountRead().currency(), payable->currency()};
+    }
     return std::move(m_r);
 }
 
@@ -356,6 +369,41 @@ QString transactionName(const QString& code) {
     return names.value(code, QStringLiteral("Unknown (") + code + QLatin1Char(')'));
 }
 
+Money Remittance::amountRead() const {
+    Money sum;
+    for (const Claim& claim : claims) {
+        for (const Item& item : claim.items) {
+            sum += item.paid.value_or(Money());
+        }
+    }
+    for (const Transaction& t : transactions) {
+        sum += t.amount.value_or(Money());
+    }
+    for (const BalanceForward& b : balances) {
+        for (const auto& amount :
+             {b.claimsAdjustment, b.advances, b.reductions, b.otherDeductions}) {
+            sum += amount.value_or(Money());
+        }
+    }
+    return sum;
+}
+
+QString Remittance::payableProblem(const MoneyFormat& money) const {
+    if (header.line == 0 || !header.totalPayable) {
+        return QStringLiteral(
+            "This file has no OHIP Amount Payable that reads: whether it is complete cannot be "
+            "told.");
+    }
+    const Money read = amountRead();
+    if (*header.totalPayable == read) {
+        return {};
+    }
+    return QStringLiteral(
+               "The OHIP Amount Payable %1 differs from the %2 that the payments, transactions "
+               "and balance forward read add up to: the file is incomplete or damaged.")
+        .arg(header.totalPayable->currency(money), read.currency(money));
+}
+
 QString Remittance::reference(const QString& fileName) const {
     if (!header.paymentDate.isValid()) {
         return fileName;
@@ -363,8 +411,9 @@ QString Remittance::reference(const QString& fileName) const {
     return fileName + QLatin1Char(' ') + datetext::yyyymmdd(header.paymentDate);
 }
 
-Remittance read(const QStringList& lines, const received::Progress& progress) {
-    return Reader().read(lines, progress);
+Remittance read(const QStringList& lines, const received::Progress& progress,
+                const received::CutLines& cut) {
+    return Reader().read(lines, progress, cut);
 }
 
 }  // namespace brimsett::remittance

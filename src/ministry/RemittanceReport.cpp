@@ -278,6 +278,10 @@ Report remittanceReport(Database& db, const Remittance& remittance, const QStrin
         report.addTable(lines.table());
     }
     addGrandTotals(report, lines, header, money);
+    const QString payableProblem = remittance.payableProblem(money);
+    if (!payableProblem.isEmpty()) {
+        report.addParagraph(payableProblem);
+    }
     addBalanceForward(report, remittance.balances, money);
     addTransactions(report, remittance.transactions, money);
     if (!remittance.messages.isEmpty()) {

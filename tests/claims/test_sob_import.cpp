@@ -110,6 +110,7 @@ private slots:
             bad,
             sobLine("A004", "20121340", "99999999", {3835, 0, 0, 0, 0}),
             sobLine("A005", "20120401", "99999999", {7720, 0, 0, 0, 0}),
+            QString(1 << 20, QLatin1Char('9')),  // kept only in part, told by its whole length
         };
         const SobImport::Result result = o.import(lines.join("\n"));
 
@@ -123,8 +124,9 @@ private slots:
                  QStringList({"FileName: " + o.file,
                               "Line Number: 2 - The line is 73 characters long instead of 75.",
                               "Line Number: 3 - The assistant fee \"00x00000000\" is not a number.",
-                              "Line Number: 4 - The effective date \"20121340\" is not a date.", "",
-                              "These lines were skipped; the others were imported."}));
+                              "Line Number: 4 - The effective date \"20121340\" is not a date.",
+                              "Line Number: 6 - The line is 1048576 characters long instead of 75.",
+                              "", "These lines were skipped; the others were imported."}));
         QCOMPARE(o.prompter.last().text(), QString("Processed 2 codes"));
     }
 
@@ -156,6 +158,16 @@ private slots:
 
         QCOMPARE(o.import(file).processed, 2);
         QCOMPARE(test::readText(o.log.path()).count("\r\n"), 2);
+    }
+
+    void refusesADevice() {
+        Office o;
+        SobImport sob(*o.db, o.prompter, o.log);
+        QVERIFY(!sob.run("/dev/zero").imported);
+        QCOMPARE(o.prompter.last().lines,
+                 QStringList({"The OHIP Schedule of Benefits file",
+                              "/dev/zero is not a regular file (a folder, a device or a pipe); it "
+                              "was not read."}));
     }
 
     void cancellingWritesNothing() {

@@ -33,7 +33,7 @@ private slots:
         }
         QDir(office.folder()).mkpath("Download");
         const QString lines[] = {
-            "HR1V030000012345600H720261115JOHN SMITH                    000003370 99999999  ",
+            "HR1V030000012345600H720261115JOHN SMITH                    000005540 99999999  ",
             "HR4J209300006011234560000000001SMITH         JOHN ON1234567897    HCP          ",
             "HR5J209300006012026110201A007A 003370003370                                    ",
             "HR5J209300006012026110201A001A 0021A0002170                                    ",
@@ -59,6 +59,17 @@ private slots:
                  qPrintable(reconciled.out));
         QVERIFY(reconciled.out.endsWith("Finished\n"));
         QCOMPARE(paid(), QString("2\t337000\tPK123456.001 20261115!"));
+
+        // Cut short after a whole record: only the amount payable tells.
+        test::writeText(office.file("Download/PK123456.002"), file.left(3 * 81));
+        const auto cut = run({"receive", "PK123456.002", "--no-reconcile"});
+        QCOMPARE(cut.status, 1);
+        QVERIFY2(cut.out.contains("1\tTotal Amount Payable differs from the records read\t"
+                                  "$33.70\t$55.40\n"),
+                 qPrintable(cut.out));
+        QVERIFY(!cut.out.contains("Finished"));
+        QVERIFY2(cut.err.contains("The OHIP Amount Payable $55.40 differs from the $33.70"),
+                 qPrintable(cut.err));
 
         const auto missing = run({"receive", "NOFILE.001"});
         QCOMPARE(missing.status, 1);

@@ -44,6 +44,9 @@ private slots:
     void splitsRecordsAtAnyLineEnd();
     void refusesWhatIsNotAnAnswer_data();
     void refusesWhatIsNotAnAnswer();
+    void refusesInputPastItsBounds_data();
+    void refusesInputPastItsBounds();
+    void anOverLongLineIsOneFault();
     void reconcilesOneFileInOneTransaction();
     void listsWaitingFilesWithProviderAndDate();
 };
@@ -106,6 +109,56 @@ void TestAnswerReader::refusesWhatIsNotAnAnswer() {
     QVERIFY(!readAnswer(*f.db, f.log, f.prompter, f.office.file(QStringLiteral("GONE.TXT")), {})
                  .has_value());
     QCOMPARE(f.prompter.last().text(), QStringLiteral("Could not open file GONE.TXT"));
+}
+
+void TestAnswerReader::refusesInputPastItsBounds_data() {
+    QTest::addColumn<QString>("path");  // empty: a file of `lines` empty lines, or `size` bytes
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("message");  // "*" stands for the file made
+    test::row("a device", "/dev/zero", 0, qint64(0),
+              "/dev/zero is not a regular file (a folder, a device or a pipe); it was not read.");
+    test::row("larger than any answer", "", 0, qint64(40) << 20,
+              "* is larger than 32 MB, more than an answer from the ministry ever is; it was not "
+              "read.");
+    test::row("more lines than any answer", "", 400'001, qint64(0),
+              "* has more than 400000 lines, more than an answer from the ministry ever has; it "
+              "was not read.");
+}
+
+void TestAnswerReader::refusesInputPastItsBounds() {
+    QFETCH(QString, path);
+    QFETCH(int, lines);
+    QFETCH(qint64, size);
+    QFETCH(QString, message);
+    test::OfficeFixture f;
+    if (path.isEmpty()) {
+        path = f.office.file(QStringLiteral("PK123456.001"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(kHr1 + QByteArray(lines, '\n'));
+        QVERIFY(size == 0 || file.resize(size));  // sparse: nothing written
+        message.replace(QLatin1Char('*'), path);
+    }
+    QVERIFY(!readAnswer(*f.db, f.log, f.prompter, path, {}).has_value());
+    QCOMPARE(f.prompter.messages().size(), 1);
+    QCOMPARE(f.prompter.last().title, QStringLiteral("Error"));
+    QCOMPARE(f.prompter.last().text(), message);
+}
+
+// A line of a megabyte is kept only in part and listed once with its whole length; a claim
+// header lost that way lets no item join the claim before it.
+void TestAnswerReader::anOverLongLineIsOneFault() {
+    test::OfficeFixture f;
+    const QString path = f.office.file(QStringLiteral("PK123456.001"));
+    test::writeText(path, lines({kHr1, kHr4 + QByteArray(1 << 20, 'x'), kHr5}));
+    const auto answer = readAnswer(*f.db, f.log, f.prompter, path, {});
+    QVERIFY(answer.has_value());
+    QCOMPARE(answer->errors(),
+             (QList<received::LineError>{
+                 {2, "Incorrect record length", QString::number(79 + (1 << 20)), "79"},
+                 {3, "Invalid (orphaned) Claim Item Record", "J2093000060",
+                  "Claim header (HR4) first"}}));
 }
 
 void TestAnswerReader::reconcilesOneFileInOneTransaction() {

@@ -17,7 +17,8 @@ QString rec(const QString& start, const QList<std::pair<int, QString>>& at = {})
     return line;
 }
 
-const QString kHr1 = rec("HR1V030BAAA27227800H720121015VLAAR DR HJ", {{60, "000008230 99999999"}});
+// Payable: the item's 77.20, the balance forward's 10.00 and -5.00, the transaction's 2.64.
+const QString kHr1 = rec("HR1V030BAAA27227800H720121015VLAAR DR HJ", {{60, "000008484 99999999"}});
 const QString kHr2 = rec("HR2", {{34, "207-45 STANLEY ST"}});
 const QString kHr3 = rec("HR3AYR", {{29, "ON N0B1E0"}});
 const QString kHr4 = rec("HR4J2093000060127227800 EDT2G6 SMITH", {{51, "ON1284630124    HCP"}});
@@ -25,6 +26,8 @@ const QString kHr5 = rec("HR5J209300006012012022101A003A 007720007720");
 const QString kHr6 = rec("HR6000001000 000000000 000000500-000000000");
 const QString kHr7 = rec("HR740 2012093000000264 COMP CARE CAPITATION");
 const QString kHr8 = rec("HR8   GROUP PAYMENT REPORT");
+
+const QString kDiffers = "Total Amount Payable differs from the records read";
 
 QStringList validFile() {
     return {kHr1, kHr2, kHr3, kHr4, kHr5, kHr6, kHr7, kHr8};
@@ -68,10 +71,11 @@ private slots:
         QTest::addColumn<bool>("v03");
         QTest::addColumn<int>("total");
         QTest::addColumn<int>("paid");
-        test::row("V03", kHr1, "HR5J209300006012012022101A003A 007720007720-I2", true, 8230, -7720);
+        test::row("V03", QString(kHr1).replace(59, 10, "000007720-"),
+                  "HR5J209300006012012022101A003A 007720007720-I2", true, -7720, -7720);
         test::row("V02 shifted, six-digit dates",
-                  rec("HR1V02  27227800H7121015VLAAR", {{55, "000008230-99999999"}}),
-                  "HR5J2093000060112022101A003A 007720007720 I2", false, -8230, 7720);
+                  rec("HR1V02  27227800H7121015VLAAR", {{55, "000007720 99999999"}}),
+                  "HR5J2093000060112022101A003A 007720007720 I2", false, 7720, 7720);
     }
     void layouts() {
         QFETCH(QString, header);
@@ -152,7 +156,9 @@ private slots:
         } else {
             lines[at] = text;
         }
-        const Remittance r = read(lines);
+        Remittance r = read(lines);
+        // A fault that loses or adds an amount also makes the total differ: told on its own.
+        r.errors.removeIf([](const received::LineError& e) { return e.error == kDiffers; });
         QCOMPARE(r.errors.size(), 1);
         QCOMPARE(r.errors.first(), (received::LineError{at + 1, error, value, expected}));
         QCOMPARE(usableItems(r), usable);
@@ -160,7 +166,7 @@ private slots:
     }
 
     void orphanWithoutClaimHeaderIsKeptApart() {
-        const Remittance r = read({kHr1, kHr5, kHr4, kHr5});
+        const Remittance r = read({QString(kHr1).replace(59, 9, "000015440"), kHr5, kHr4, kHr5});
         QCOMPARE(r.errors.size(), 1);
         QCOMPARE(r.errors.first().error, QString("Invalid (orphaned) Claim Item Record"));
         QCOMPARE(r.claims.size(), 2);
@@ -169,11 +175,50 @@ private slots:
         QVERIFY(r.claims.at(1).items.first().usable);
     }
 
-    void truncatedItemIsUnusable() {
-        // Cut after the amount submitted: the length and the missing amount paid.
-        const Remittance r = read({kHr1, kHr4, kHr5.left(37)});
-        QCOMPARE(r.errors.size(), 2);
-        QCOMPARE(usableItems(r), 0);
+    // The header's amount payable against what the records read add up to: a file cut
+    // short or damaged is told with both amounts; the ministry's whole files agree.
+    void payableAgreesWithTheRecordsRead_data() {
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QString>("read");  // empty: no row listed
+        QTest::addColumn<QString>("problem");
+        const QStringList whole = validFile();
+        test::row("whole file", whole, "", "");
+        test::row("cut after the claims", whole.mid(0, 5), "$77.20",
+                  "The OHIP Amount Payable $84.84 differs from the $77.20 that the payments, "
+                  "transactions and balance forward read add up to: the file is incomplete or "
+                  "damaged.");
+        // Cut inside the item: its amount paid is gone, and so is all that followed.
+        test::row("cut inside an item", QStringList{kHr1, kHr4, kHr5.left(37)}, "$0.00",
+                  "The OHIP Amount Payable $84.84 differs from the $0.00 that the payments, "
+                  "transactions and balance forward read add up to: the file is incomplete or "
+                  "damaged.");
+        test::row("a negative transaction counts against",
+                  QStringList{QString(kHr1).replace(59, 9, "000007456"), kHr4, kHr5,
+                              QString(kHr7).replace(22, 1, "-")},
+                  "", "");
+        const QString noTotal =
+            "This file has no OHIP Amount Payable that reads: whether it is "
+            "complete cannot be told.";
+        test::row("no header", whole.mid(1), "", noTotal);
+        test::row("unreadable total", QStringList{QString(kHr1).replace(59, 1, "X"), kHr4, kHr5},
+                  "", noTotal);
+    }
+    void payableAgreesWithTheRecordsRead() {
+        QFETCH(QStringList, lines);
+        QFETCH(QString, read);
+        QFETCH(QString, problem);
+        const Remittance r = remittance::read(lines);
+        QList<received::LineError> listed;
+        for (const received::LineError& e : r.errors) {
+            if (e.error == kDiffers) {
+                listed << e;
+            }
+        }
+        const QList<received::LineError> expected =
+            read.isEmpty() ? QList<received::LineError>{}
+                           : QList<received::LineError>{{1, kDiffers, read, "$84.84"}};
+        QCOMPARE(listed, expected);
+        QCOMPARE(r.payableProblem(), problem);
     }
 
     void progressEveryFiftyLinesAndAtTheEnd() {
