@@ -23,17 +23,28 @@ namespace {
 using fixedwidth::take;
 
 // The provider and report date of a first record, where each kind keeps them.
-void describeFirstRecord(const QString& line, WaitingFile& file) {
+void describeFirstRecord(const QString& line, WaitingFile& file, Database* db) {
     const bool v03 = take(line, 4, 3) == QLatin1String("V03");
     switch (received::kindOf(line)) {
         case FileKind::Remittance:
             file.provider = take(line, v03 ? 12 : 9, 6).trimmed();
             file.date = received::dateOf(v03 ? take(line, 22, 8) : take(line, 19, 6));
             break;
-        case FileKind::ErrorReport:
-            file.provider = take(line, 28, 6).trimmed();
-            file.date = received::dateOf(take(line, 39, 8));
+        case FileKind::ErrorReport: {
+            const auto placements = errorreport::placementsOf(line);
+            const auto billing = errorreport::chooseBillingNumber(
+                placements, db ? errorreport::officeDoctors(*db) : errorreport::DoctorTest());
+            file.provider = billing ? billing->provider : placements.back().provider;
+            // The process date follows the specialty after a three-digit station number.
+            const bool described = billing && *billing == placements.front();
+            for (const int at : described ? std::array{36, 39} : std::array{39, 36}) {
+                file.date = received::dateOf(take(line, at, 8));
+                if (file.date.isValid()) {
+                    break;
+                }
+            }
             break;
+        }
         case FileKind::BatchEdit:
             file.provider = take(line, v03 ? 57 : 55, 6).trimmed();
             file.date = received::dateOf(take(line, v03 ? 74 : 72, 8));
@@ -55,7 +66,7 @@ QStringList notAnswerFile(const QString& fileName) {
 
 }  // namespace
 
-QList<WaitingFile> waitingFiles(const QString& folder) {
+QList<WaitingFile> waitingFiles(const QString& folder, Database* db) {
     QList<WaitingFile> files;
     const QFileInfoList entries =
         QDir(folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
@@ -70,7 +81,7 @@ QList<WaitingFile> waitingFiles(const QString& folder) {
             continue;
         }
         WaitingFile waiting{info.absoluteFilePath(), info.fileName(), {}, {}};
-        describeFirstRecord(first.first(), waiting);
+        describeFirstRecord(first.first(), waiting, db);
         files << waiting;
     }
     return files;

@@ -39,7 +39,8 @@ struct WaitingFile {
     QDate date;
 };
 // The files of the folder whose first record is one of the ministry's answers, by name.
-QList<WaitingFile> waitingFiles(const QString& folder);
+// With the database, an error report's provider is read where it finds a doctor of the office.
+QList<WaitingFile> waitingFiles(const QString& folder, Database* db = nullptr);
 
 struct ReadOptions {
     bool reconcile = true;

@@ -7,6 +7,8 @@
 #include <QList>
 #include <QString>
 
+#include <array>
+#include <functional>
 #include <optional>
 
 namespace brimsett {
@@ -71,10 +73,32 @@ struct Claim {
     QDate patientBirthDate;
 };
 
+// The group, provider number and specialty of an "HX1".
+struct BillingNumber {
+    QString group;
+    QString provider;
+    QString specialty;
+    bool operator==(const BillingNumber&) const = default;
+};
+// The two places a file header is found to hold them: at 21-24, 25-30 and 31-32 as the
+// layout is described, and at 24-27, 28-33 and 34-35 as the ministry's own files have them.
+std::array<BillingNumber, 2> placementsOf(const QString& line);
+// Which placement a file header is read by: the one whose numbers `isOfficeDoctor` finds,
+// else the described one when it holds a valid provider number, else the other when it
+// does; none when neither does.
+using DoctorTest = std::function<bool(const BillingNumber&)>;
+std::optional<BillingNumber> chooseBillingNumber(const std::array<BillingNumber, 2>& placements,
+                                                 const DoctorTest& isOfficeDoctor = {});
+
+// Whether the office has a doctor of the billing number (by group, provider number and
+// specialty, or by provider number and specialty).
+DoctorTest officeDoctors(Database& db);
+
 // "HX1" and the claims after it.
 struct ProviderSection {
     int line = 0;
     bool v03 = true;
+    std::array<BillingNumber, 2> placements;  // as read; `lookUp` chooses by the doctors
     QString group;
     QString provider;
     QString specialty;
@@ -100,8 +124,8 @@ struct ErrorReport {
 };
 
 // Whether the first record is an error report header this program can read ("V03" or
-// "V02" with a valid provider number); otherwise the screen says "This file does not appear
-// to be a valid OHIP file." with the title "OHIP EDT Error Report File".
+// "V02" with a valid provider number in either placement); otherwise the screen says "This
+// file does not appear to be a valid OHIP file." with the title "OHIP EDT Error Report File".
 bool firstRecordValid(const QString& line);
 
 // Reads every line; never stops on a fault, which goes to `errors` instead. A line in `cut`
@@ -109,7 +133,8 @@ bool firstRecordValid(const QString& line);
 ErrorReport read(const QStringList& lines, const received::Progress& progress = {},
                  const received::CutLines& cut = {});
 
-// Finds each provider's doctor and each claim (or its patient) for the report, and, when
+// Reads each file header by the placement that finds a doctor of the office, then finds
+// each provider's doctor and each claim (or its patient) for the report, and, when
 // `reconcile`, marks the matching pending items rejected with their error codes: one
 // transaction, the statements logged after the commit. Throws DbError with nothing written
 // when the database refuses a statement.

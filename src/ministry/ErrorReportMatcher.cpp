@@ -61,6 +61,13 @@ private:
 };
 
 void Matcher::lookUpSection(ProviderSection& section) {
+    const std::optional<BillingNumber> chosen =
+        chooseBillingNumber(section.placements, officeDoctors(m_db));
+    if (chosen) {
+        section.group = chosen->group;
+        section.provider = chosen->provider;
+        section.specialty = chosen->specialty;
+    }
     const auto doctor =
         answerdoctor::byBillingNumber(m_db, section.group, section.provider, section.specialty);
     section.doctorName = doctor ? doctor->displayName() : QString();
@@ -205,6 +212,14 @@ ItemOutcome Matcher::apply(const QList<qint64>& claimIds, const Claim& claim, co
 }
 
 }  // namespace
+
+DoctorTest officeDoctors(Database& db) {
+    return [&db](const BillingNumber& number) {
+        return answerdoctor::byBillingNumberOrProvider(db, number.group, number.provider,
+                                                       number.specialty)
+            .has_value();
+    };
+}
 
 void lookUp(Database& db, const SqlLog& log, ErrorReport& report, bool reconcile, bool autoSplit) {
     Transaction tx(db, QStringLiteral("reading the claim error report"));

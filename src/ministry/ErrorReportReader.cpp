@@ -13,12 +13,10 @@ using received::LineError;
 
 constexpr int kRecordLength = 79;
 
-// The group, provider number and specialty of an "HX1". The ministry's own files carry
-// them at 24-35 in the current layout as well (operator number 18-23 before them, station
-// and process date after), so one set of positions serves every layout.
-constexpr int kGroupPos = 24;
-constexpr int kProviderPos = 28;
-constexpr int kSpecialtyPos = 34;
+// Where an "HX1" holds the group (then the provider number and specialty right after it): as
+// the layout is described, and as the ministry's own files have it (operator number 18-23
+// before, station and process date after). Both are read in every layout.
+constexpr std::array<int, 2> kGroupPositions = {21, 24};
 
 // Reading one file: the faults found so far and where the claims go.
 class Reader {
@@ -87,10 +85,14 @@ void Reader::readHeader(const QString& line, int number) {
     ProviderSection header;
     header.line = number;
     header.v03 = take(line, 4, 3) == QLatin1String("V03");
-    header.group = take(line, kGroupPos, 4).trimmed();
-    header.provider = take(line, kProviderPos, 6).trimmed();
-    header.specialty = take(line, kSpecialtyPos, 2).trimmed();
-    if (!claimform::isProviderNumber(header.provider)) {
+    header.placements = placementsOf(line);
+    // Until the doctors are looked up, the rule without them.
+    const std::optional<BillingNumber> chosen = chooseBillingNumber(header.placements);
+    const BillingNumber& billing = chosen ? *chosen : header.placements.back();
+    header.group = billing.group;
+    header.provider = billing.provider;
+    header.specialty = billing.specialty;
+    if (!chosen) {
         fault(number, QStringLiteral("Invalid Health Care Provider Number"), header.provider,
               QStringLiteral("6 digits"));
     }
@@ -227,11 +229,37 @@ int ErrorReport::countOf(ItemOutcome outcome) const {
     return count;
 }
 
+std::array<BillingNumber, 2> placementsOf(const QString& line) {
+    std::array<BillingNumber, 2> placements;
+    for (std::size_t i = 0; i < placements.size(); ++i) {
+        const int at = kGroupPositions.at(i);
+        placements[i] = {take(line, at, 4).trimmed(), take(line, at + 4, 6).trimmed(),
+                         take(line, at + 10, 2).trimmed()};
+    }
+    return placements;
+}
+
+std::optional<BillingNumber> chooseBillingNumber(const std::array<BillingNumber, 2>& placements,
+                                                 const DoctorTest& isOfficeDoctor) {
+    for (const BillingNumber& number : placements) {
+        if (isOfficeDoctor && claimform::isProviderNumber(number.provider) &&
+            isOfficeDoctor(number)) {
+            return number;
+        }
+    }
+    for (const BillingNumber& number : placements) {
+        if (claimform::isProviderNumber(number.provider)) {
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
 bool firstRecordValid(const QString& line) {
     const QString version = take(line, 4, 3);
     return take(line, 1, 3) == QLatin1String("HX1") &&
            (version == QLatin1String("V03") || version == QLatin1String("V02")) &&
-           claimform::isProviderNumber(take(line, kProviderPos, 6));
+           chooseBillingNumber(placementsOf(line)).has_value();
 }
 
 ErrorReport read(const QStringList& lines, const received::Progress& progress,

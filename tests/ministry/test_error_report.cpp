@@ -125,6 +125,50 @@ private slots:
         QCOMPARE(fields, "ACCT 1|1980-05-17|A003A|3370|2026-11-01|401|V01,V02,V03,V04,V05");
     }
 
+    // The file header's numbers where the layout description puts them (21-32) or where the
+    // ministry's files have them (24-35): the placement that finds the office's doctor wins,
+    // else the described one when its provider number is valid, else the other.
+    void readsTheHeaderWhereItsDoctorIs_data() {
+        QTest::addColumn<QString>("header");
+        QTest::addColumn<QString>("doctor");  // group|provider|specialty; empty: none
+        QTest::addColumn<QString>("read");    // group|provider|specialty; empty: refused
+        const QString both = record({{1, "HX1V03J"}, {18, "000"}, {21, "000012345678900"}});
+        test::row("the ministry's placement, its doctor", hx1(), "0000|102152|00",
+                  "0000|102152|00");
+        // The same header reads a valid number where the description puts it too.
+        test::row("the ministry's placement, no doctor", hx1(), "", "0000|000102|15");
+        test::row("the described placement, its doctor",
+                  record({{1, "HX1V03J"}, {21, "BAAA65432112"}}), "BAAA|654321|12",
+                  "BAAA|654321|12");
+        test::row("numbers both ways, the described one's doctor", both, "0000|123456|78",
+                  "0000|123456|78");
+        test::row("numbers both ways, the other's doctor", both, "0123|456789|00",
+                  "0123|456789|00");
+        test::row("numbers both ways, no doctor", both, "", "0000|123456|78");
+        test::row("only the ministry's placement valid", hx1("BHAA", "010092"), "",
+                  "BHAA|010092|00");
+        test::row("neither valid", record({{1, "HX1V03J"}, {21, "ABCDEFGHIJKLMNO"}}), "", "");
+    }
+    void readsTheHeaderWhereItsDoctorIs() {
+        QFETCH(QString, header);
+        QFETCH(QString, doctor);
+        QFETCH(QString, read);
+        test::BatchOffice o;
+        if (!doctor.isEmpty()) {
+            const QStringList number = doctor.split('|');
+            o.addDoctor("D1", number.at(0), number.at(1), number.at(2));
+        }
+        QCOMPARE(errorreport::firstRecordValid(header), !read.isEmpty());
+        errorreport::ErrorReport report = errorreport::read({header});
+        QCOMPARE(report.errors.isEmpty(), !read.isEmpty());
+        errorreport::lookUp(*o.db, o.log, report, false, false);
+        const errorreport::ProviderSection& section = report.providers.value(0);
+        if (!read.isEmpty()) {
+            QCOMPARE(section.group + '|' + section.provider + '|' + section.specialty, read);
+            QCOMPARE(section.doctorName, doctor.isEmpty() ? "" : "Doe");
+        }
+    }
+
     void reportsProgress() {
         QList<std::pair<int, int>> calls;
         errorreport::read(QStringList(120, record({{1, "HX9"}})), [&](int read, int total) {
