@@ -73,33 +73,52 @@ constexpr std::array<TableStep, 4> kTableSteps = {{
      "text(5),Percent7 text(8),Code7 text(5),Percent8 text(8),Code8 text(5));"},
 }};
 
+// One step: its look and its statement in one transaction, so that a step the engine refuses
+// half way leaves the table as it was, and two programs starting at once never both add the
+// same column. True when the statement ran.
+template <typename Missing>
+bool runStep(Database& db, const QString& statement, const QString& doing, Missing missing,
+             QStringList* executed) {
+    // Looked at first without a transaction: at most starts nothing is missing, and the
+    // write lock is not taken for nothing.
+    if (!missing()) {
+        return false;
+    }
+    Transaction step(db, doing);
+    if (!missing()) {
+        return false;  // another program added it meanwhile
+    }
+    db.exec(db.dialect().ddl(statement), {}, doing);
+    step.commit();
+    if (executed) {
+        executed->append(statement);
+    }
+    return true;
+}
+
 }  // namespace
 
 bool upgradeSchema(Database& db, QStringList* executed) {
     bool unchanged = true;
     for (const ColumnStep& step : kColumnSteps) {
-        const QString table = QString::fromLatin1(step.table);
-        if (db.hasColumn(table, QString::fromLatin1(step.column)) || step.statement == nullptr) {
+        if (step.statement == nullptr) {
             continue;
         }
-        const QString statement = QString::fromLatin1(step.statement);
-        db.exec(db.dialect().ddl(statement), {}, QStringLiteral("updating table %1").arg(table));
-        if (executed) {
-            executed->append(statement);
+        const QString table = QString::fromLatin1(step.table);
+        const QString column = QString::fromLatin1(step.column);
+        if (runStep(
+                db, QString::fromLatin1(step.statement),
+                QStringLiteral("updating table %1").arg(table),
+                [&] { return !db.hasColumn(table, column); }, executed)) {
+            unchanged = false;
         }
-        unchanged = false;
     }
     for (const TableStep& step : kTableSteps) {
         const QString table = QString::fromLatin1(step.table);
-        if (db.hasTable(table)) {
-            continue;
-        }
         // A new table alone does not ask for a restart: no screen depends on it at start.
-        const QString statement = QString::fromLatin1(step.statement);
-        db.exec(db.dialect().ddl(statement), {}, QStringLiteral("creating table %1").arg(table));
-        if (executed) {
-            executed->append(statement);
-        }
+        runStep(
+            db, QString::fromLatin1(step.statement), QStringLiteral("creating table %1").arg(table),
+            [&] { return !db.hasTable(table); }, executed);
     }
     return unchanged;
 }
