@@ -23,10 +23,13 @@ class SettingsStore;
 // which is the program's open flag) as a salted PBKDF2-SHA256 hash:
 // "pbkdf2-sha256$<iterations>$<salt hex>$<hash hex>". A stored text in any other form
 // counts as set but matches nothing, so a damaged entry keeps its features closed; taking
-// the key out of the settings file is the way back.
+// the key out of the settings file is the way back. A hash made with fewer rounds than this
+// object makes is still accepted, and made again with its rounds at the next login.
 class AccessLevels {
 public:
     static constexpr int kLevelCount = 5;
+    // PBKDF2-SHA256 rounds of a new hash, as current guidance asks.
+    static constexpr int kRounds = 600'000;
     static constexpr int kMaster = 0;
     static constexpr int kBillingSecretary = 2;
 
@@ -37,8 +40,8 @@ public:
         InUse,        // another level has this password: login would pick the wrong level
     };
 
-    // Reads the stored passwords at once.
-    explicit AccessLevels(SettingsStore& store);
+    // Reads the stored passwords at once. Tests that make many passwords pass fewer rounds.
+    explicit AccessLevels(SettingsStore& store, int rounds = kRounds);
 
     void load();
     bool anySet() const;
@@ -52,7 +55,7 @@ public:
     bool require(int level, Prompter& prompter) const;
 
     // Sets the current level to the strongest level whose password this is; no value (and
-    // the current level kept) when none matches.
+    // the current level kept) when none matches. A matching hash of fewer rounds is replaced.
     std::optional<int> login(const QString& password);
     void logout() { m_current.reset(); }
     std::optional<int> currentLevel() const { return m_current; }
@@ -72,8 +75,10 @@ public:
 private:
     static bool isLevel(int level) { return level >= 0 && level < kLevelCount; }
     static QString key(int level);
+    void store(int level, const QString& password);
 
     SettingsStore& m_store;
+    int m_rounds;
     std::array<QString, kLevelCount> m_stored;
     std::optional<int> m_current;
 };

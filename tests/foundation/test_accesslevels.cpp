@@ -12,6 +12,8 @@ using test::row;
 namespace {
 
 const QString kGeneral = QStringLiteral("General");
+// Quick hashes for tests that make many passwords; the full rounds have their own test.
+constexpr int kFewRounds = 1000;
 
 // The password of each level in these tests: "pw0".."pw4".
 QString pw(int level) {
@@ -71,7 +73,7 @@ private slots:
         QFETCH(int, feature);
         QFETCH(QString, refusedFor);
         test::TempOffice office;
-        AccessLevels levels(office.store());
+        AccessLevels levels(office.store(), kFewRounds);
         setLevels(levels, set);
         if (loggedIn >= 0) {
             QCOMPARE(levels.login(pw(loggedIn)), std::optional<int>(loggedIn));
@@ -93,7 +95,7 @@ private slots:
     void removalTakesWeakerLevelsAndTheLoginAndIsKept() {
         test::TempOffice office;
         office.store().save(kGeneral, QStringLiteral("Open"), QStringLiteral("1"));
-        AccessLevels levels(office.store());
+        AccessLevels levels(office.store(), kFewRounds);
         setLevels(levels, {0, 1, 2, 3, 4});
         QCOMPARE(levels.login(pw(3)), std::optional<int>(3));
         QVERIFY(!levels.login(QStringLiteral("wrong")).has_value());
@@ -102,7 +104,7 @@ private slots:
         levels.remove(2);
         QVERIFY(!levels.currentLevel().has_value());
         QCOMPARE(levels.login(pw(0)), std::optional<int>(0));
-        AccessLevels reloaded(office.store());
+        AccessLevels reloaded(office.store(), kFewRounds);
         for (AccessLevels* l : {&levels, &reloaded}) {
             QCOMPARE(levelsSet(*l), (QList<int>{0, 1}));
             QVERIFY(l->verify(1, pw(1)));
@@ -114,7 +116,7 @@ private slots:
 
     void storedAsSaltedHash() {
         test::TempOffice office;
-        AccessLevels levels(office.store());
+        AccessLevels levels(office.store(), kFewRounds);
         setLevels(levels, {0});
         const QString first = office.store().get(kGeneral, QStringLiteral("Open0"));
         QVERIFY(first.startsWith(QStringLiteral("pbkdf2-sha256$")));
@@ -126,7 +128,7 @@ private slots:
 
         // A different store read afresh still knows the password; a wrong one fails.
         SettingsStore copy(office.settingsFile());
-        AccessLevels reread(copy);
+        AccessLevels reread(copy, kFewRounds);
         QVERIFY(reread.verify(0, pw(0)));
         QVERIFY(!reread.verify(0, QStringLiteral("PW0")));
         QVERIFY(!reread.verify(0, QString()));
@@ -138,9 +140,38 @@ private slots:
         QVERIFY(!levels.verify(1, QStringLiteral("plain")));
     }
 
+    // A hash of fewer rounds still opens its level, and the login at that level makes it
+    // again with the full rounds; a failed login, another level and a weaker object leave
+    // the stored text alone.
+    void oldHashesAreUpgradedAtLogin() {
+        test::TempOffice office;
+        AccessLevels old(office.store(), 20000);
+        setLevels(old, {0, 2});
+        const auto stored = [&](int level) {
+            return office.store().get(kGeneral, QStringLiteral("Open%1").arg(level));
+        };
+        const QString master = stored(0);
+        const QString billing = stored(2);
+        QVERIFY(billing.startsWith(QStringLiteral("pbkdf2-sha256$20000$")));
+
+        AccessLevels levels(office.store());
+        QVERIFY(!levels.login(QStringLiteral("wrong")).has_value());
+        QCOMPARE(stored(2), billing);
+        QCOMPARE(levels.login(pw(2)), std::optional<int>(2));
+        QCOMPARE(stored(0), master);
+        QVERIFY2(stored(2).startsWith(QStringLiteral("pbkdf2-sha256$600000$")),
+                 qPrintable(stored(2)));
+        const QString upgraded = stored(2);
+
+        AccessLevels few(office.store(), kFewRounds);
+        QVERIFY(few.verify(2, pw(2)));
+        QCOMPARE(few.login(pw(2)), std::optional<int>(2));
+        QCOMPARE(stored(2), upgraded);
+    }
+
     void masterPasswordComesFirst() {
         test::TempOffice office;
-        AccessLevels levels(office.store());
+        AccessLevels levels(office.store(), kFewRounds);
         QCOMPARE(levels.change(2, pw(2)), AccessLevels::ChangeResult::MasterFirst);
         RecordingPrompter prompter;
         QVERIFY(!PasswordActions(levels, prompter).change(2, QString(), pw(2), pw(2)));
@@ -198,7 +229,7 @@ private slots:
         QFETCH(int, level);
         QFETCH(QStringList, entries);
         test::TempOffice office;
-        AccessLevels levels(office.store());
+        AccessLevels levels(office.store(), kFewRounds);
         setLevels(levels, {0, 2, 4});
         RecordingPrompter prompter;
         prompter.script({action == QLatin1String("remove, no") ? Answer::No : Answer::Yes});
@@ -216,7 +247,7 @@ private slots:
         QTEST(conversation(prompter), "said");
         QTEST(levelsSet(levels), "setAfter");
         if (action == QLatin1String("change") && done) {
-            QVERIFY(AccessLevels(office.store()).verify(level, entries[1]));
+            QVERIFY(AccessLevels(office.store(), kFewRounds).verify(level, entries[1]));
         }
     }
 };
