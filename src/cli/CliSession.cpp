@@ -1,6 +1,8 @@
 #include "cli/CliSession.h"
 
+#include "cli/CliPassword.h"
 #include "foundation/FileModes.h"
+#include "foundation/PasswordActions.h"
 
 namespace brimsett {
 
@@ -55,6 +57,17 @@ Startup::Result* CliSession::open() {
         m_result = Startup(m_paths, m_store, m_access, m_clock, m_prompter).run();
     }
     return m_result.outcome == Startup::Outcome::Ready ? &m_result : nullptr;
+}
+
+bool CliSession::require(int level) {
+    if (m_access.isOpen(level)) {
+        return true;
+    }
+    const std::optional<QString> password = cliPassword();
+    if (password && !password->isEmpty()) {
+        PasswordActions(m_access, m_prompter).login(*password);
+    }
+    return m_access.require(level, m_prompter);
 }
 
 int fail(const QString& reason, int status) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/CliCommand.h"
 #include "cli/CliPrompter.h"
 #include "foundation/AccessLevels.h"
 #include "foundation/Clock.h"
@@ -34,6 +35,11 @@ public:
     // Runs start-up exactly once, as the program would, and keeps its result.
     Startup::Result& startOnce();
 
+    // Whether a feature needing the access level may run. When it is not open, logs in with
+    // the password of $BRIMSETT_PASSWORD, else one typed without echo when standard input
+    // is a terminal; a refusal is told through the prompter.
+    bool require(int level);
+
 private:
     OfficePaths m_paths;
     SettingsStore m_store;
@@ -46,22 +52,6 @@ private:
     bool m_hadOpen = false;
     bool m_started = false;
 };
-
-// Each command: arguments after the command word; returns the exit status.
-int commandInit(CliSession& session, const QStringList& args);
-int commandSql(CliSession& session, const QStringList& args);
-int commandSettings(CliSession& session, const QStringList& args);
-int commandBackup(CliSession& session, const QStringList& args);
-int commandSend(CliSession& session, const QStringList& args);
-int commandPatient(CliSession& session, const QStringList& args);
-int commandHn(CliSession& session, const QStringList& args);
-int commandImportSob(CliSession& session, const QStringList& args);
-int commandFee(CliSession& session, const QStringList& args);
-int commandClaim(CliSession& session, const QStringList& args);
-int commandPrepare(CliSession& session, const QStringList& args);
-int commandSubmit(CliSession& session, const QStringList& args);
-int commandFetchAnswers(CliSession& session, const QStringList& args);
-int commandReceive(CliSession& session, const QStringList& args);
 
 // Prints "brimsett-cli: " + reason to standard error and gives the failure status.
 int fail(const QString& reason, int status = 1);

@@ -19,12 +19,7 @@ QString newestBackup(const QString& folder) {
     return files.isEmpty() ? QString() : files.first().absoluteFilePath();
 }
 
-}  // namespace
-
-int commandBackup(CliSession& session, const QStringList& args) {
-    if (!args.isEmpty()) {
-        return fail(QStringLiteral("backup takes no arguments"), 2);
-    }
+int backup(CliSession& session, const CliArgs&) {
     if (receiverRunning(session.paths())) {
         QString error;
         const auto answer =
@@ -47,18 +42,33 @@ int commandBackup(CliSession& session, const QStringList& args) {
     return 0;
 }
 
-int commandSend(CliSession& session, const QStringList& args) {
-    if (args.isEmpty()) {
-        return fail(QStringLiteral("send needs a command word"), 2);
-    }
+int sendWord(CliSession& session, const CliArgs& args) {
     QString error;
-    const auto answer =
-        sendCommand(session.paths(), args.join(QLatin1Char(' ')), kSendTimeoutMs, &error);
+    const auto answer = sendCommand(session.paths(), args.positional().join(QLatin1Char(' ')),
+                                    kSendTimeoutMs, &error);
     if (!answer) {
         return fail(error);
     }
     session.out() << *answer << "\n";
     return 0;
 }
+
+[[maybe_unused]] const bool registered =
+    cli::add({
+        .name = QStringLiteral("backup"),
+        .summary = QStringLiteral("make a dated backup of the database; prints its name"),
+        .details = {QStringLiteral("A running program makes it; otherwise this command does.")},
+        .run = backup,
+    }) &&
+    cli::add({
+        .name = QStringLiteral("send"),
+        .summary = QStringLiteral("send a command word to the running program; prints the answer"),
+        .arguments = {{QStringLiteral("WORD"), QStringLiteral("the command word, e.g. PATIENT")},
+                      {QStringLiteral("ARGS"), QStringLiteral("what follows the word"),
+                       CliArgument::Count::AnyNumber}},
+        .run = sendWord,
+    });
+
+}  // namespace
 
 }  // namespace brimsett

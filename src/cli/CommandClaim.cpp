@@ -13,27 +13,6 @@ namespace brimsett {
 
 namespace {
 
-const QString kAddUsage = QStringLiteral(
-    "usage: claim add --doctor ID --patient ID [--program PROG] [--third-party ID] [--sli SLI]"
-    " [--refdoc N] [--facility N] [--admit YYYY/MM/DD] [--reflab N] [--regnum N]"
-    " [--version VC] ITEM...   (ITEM: CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE])");
-
-// "--name value" options before the items; false (and the reason) for anything else.
-bool readOptions(QStringList& args, QMap<QString, QString>& options, QString& problem) {
-    static const QStringList known = {"doctor", "patient", "program",  "third-party",
-                                      "sli",    "refdoc",  "facility", "admit",
-                                      "reflab", "regnum",  "version"};
-    while (!args.isEmpty() && args.first().startsWith(QStringLiteral("--"))) {
-        const QString name = args.takeFirst().mid(2);
-        if (!known.contains(name) || args.isEmpty()) {
-            problem = QStringLiteral("unknown or incomplete option --") + name;
-            return false;
-        }
-        options.insert(name, args.takeFirst());
-    }
-    return true;
-}
-
 // The claim's rows as the screen would make them from the typed codes.
 bool readItems(const QStringList& items, ClaimEntry& entry, ServiceCodeCell& cell,
                const QString& specialty, QString& problem, QStringList& notes) {
@@ -58,13 +37,7 @@ bool readItems(const QStringList& items, ClaimEntry& entry, ServiceCodeCell& cel
     return true;
 }
 
-int addClaim(CliSession& session, QStringList args) {
-    QMap<QString, QString> options;
-    QString problem;
-    if (!readOptions(args, options, problem) || !options.contains("doctor") ||
-        !options.contains("patient") || args.isEmpty()) {
-        return fail(problem.isEmpty() ? kAddUsage : problem + QLatin1Char('\n') + kAddUsage, 2);
-    }
+int addClaim(CliSession& session, const CliArgs& options) {
     Startup::Result* opened = session.open();
     if (!opened) {
         return fail(QStringLiteral("the database is not available"));
@@ -93,19 +66,21 @@ int addClaim(CliSession& session, QStringList args) {
     for (const auto& [name, member] :
          {std::pair{"refdoc", &ClaimEntry::refDoc}, std::pair{"facility", &ClaimEntry::facilityNum},
           std::pair{"admit", &ClaimEntry::admitDate}}) {
-        if (options.contains(name)) {
+        if (options.isSet(name)) {
             entry.*member = options.value(name);
         }
     }
     const bool versionEdited =
-        options.contains("version") && options.value("version") != entry.versionCode;
-    if (options.contains("version")) {
+        options.isSet("version") && options.value("version") != entry.versionCode;
+    if (options.isSet("version")) {
         entry.versionCode = options.value("version");
     }
     ServiceCodeCell cell(session.db(), entryOptions, opened->money);
     QStringList notes;
-    if (!readItems(args, entry, cell, doctor ? doctor->specCode : QString(), problem, notes)) {
-        return fail(problem, 2);
+    QString problem;
+    if (!readItems(options.positional(), entry, cell, doctor ? doctor->specCode : QString(),
+                   problem, notes)) {
+        return options.usageError(problem);
     }
     if (!notes.isEmpty()) {
         session.prompter().tell(QStringLiteral("Claims"), notes, Icon::Information);
@@ -121,11 +96,11 @@ int addClaim(CliSession& session, QStringList args) {
     return 0;
 }
 
-int showClaim(CliSession& session, const QStringList& args) {
+int showClaim(CliSession& session, const CliArgs& args) {
     bool ok = false;
-    const qint64 id = args.size() == 1 ? args.first().toLongLong(&ok) : 0;
+    const qint64 id = args.argument(0).toLongLong(&ok);
     if (!ok) {
-        return fail(QStringLiteral("usage: claim show ID"), 2);
+        return args.usageError(QStringLiteral("%1 is not a claim number").arg(args.argument(0)));
     }
     Startup::Result* opened = session.open();
     if (!opened) {
@@ -167,15 +142,12 @@ int showClaim(CliSession& session, const QStringList& args) {
     return 0;
 }
 
-int listPending(CliSession& session, const QStringList& args) {
-    if (args.size() > 1) {
-        return fail(QStringLiteral("usage: claim pending [DOCTOR]"), 2);
-    }
+int listPending(CliSession& session, const CliArgs& args) {
     Startup::Result* opened = session.open();
     if (!opened) {
         return fail(QStringLiteral("the database is not available"));
     }
-    const QString doctor = args.value(0);
+    const QString doctor = args.argument(0);
     PendingClaims pending(session.db(), session.settings());
     for (const PendingLine& l : pending.lines(doctor, PendingOrder::Account)) {
         session.out() << l.account << "\t" << l.doc << "\t" << l.patientId << "\t" << l.patient
@@ -187,20 +159,54 @@ int listPending(CliSession& session, const QStringList& args) {
     return 0;
 }
 
-}  // namespace
-
-int commandClaim(CliSession& session, const QStringList& args) {
-    const QString what = args.value(0);
-    if (what == QLatin1String("add")) {
-        return addClaim(session, args.mid(1));
-    }
-    if (what == QLatin1String("show")) {
-        return showClaim(session, args.mid(1));
-    }
-    if (what == QLatin1String("pending")) {
-        return listPending(session, args.mid(1));
-    }
-    return fail(QStringLiteral("usage: claim add ... | claim show ID | claim pending [DOCTOR]"), 2);
+QList<CliOption> addOptions() {
+    const auto option = [](const char* name, const char* value, const char* help) {
+        return CliOption{QString::fromLatin1(name), QString::fromLatin1(value),
+                         QString::fromLatin1(help)};
+    };
+    QList<CliOption> options = {
+        {QStringLiteral("doctor"), QStringLiteral("ID"), QStringLiteral("the doctor"), true},
+        {QStringLiteral("patient"), QStringLiteral("ID"), QStringLiteral("the patient's number"),
+         true},
+    };
+    options << option("program", "PROG", "the payment program (else \"DefClaim\")")
+            << option("third-party", "ID", "the third party payer")
+            << option("sli", "SLI", "service location indicator")
+            << option("refdoc", "N", "referring doctor (else the patient's)")
+            << option("facility", "N", "facility number (else the patient's)")
+            << option("admit", "YYYY/MM/DD", "admission date (else the patient's)")
+            << option("reflab", "N", "referring laboratory")
+            << option("regnum", "N", "registration number")
+            << option("version", "VC", "version code (else the patient's)");
+    return options;
 }
+
+[[maybe_unused]] const bool registered =
+    cli::add({
+        .name = QStringLiteral("claim add"),
+        .summary = QStringLiteral("save a claim and print its numbers"),
+        .arguments = {{QStringLiteral("ITEM"),
+                       QStringLiteral("CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE], the code as typed"),
+                       CliArgument::Count::OneOrMore}},
+        .options = addOptions(),
+        .details = {QStringLiteral("The fee of an item without FEE is the schedule's, as at the "
+                                   "desk.")},
+        .run = addClaim,
+    }) &&
+    cli::add({
+        .name = QStringLiteral("claim show"),
+        .summary = QStringLiteral("print a claim and its items"),
+        .arguments = {{QStringLiteral("ID"), QStringLiteral("the claim number")}},
+        .run = showClaim,
+    }) &&
+    cli::add({
+        .name = QStringLiteral("claim pending"),
+        .summary = QStringLiteral("print the pending items and their total"),
+        .arguments = {{QStringLiteral("DOCTOR"), QStringLiteral("only this doctor's"),
+                       CliArgument::Count::Optional}},
+        .run = listPending,
+    });
+
+}  // namespace
 
 }  // namespace brimsett

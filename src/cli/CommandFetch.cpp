@@ -7,13 +7,13 @@
 
 namespace brimsett {
 
-int commandFetchAnswers(CliSession& session, const QStringList& args) {
+namespace {
+
+int fetchAnswers(CliSession& session, const CliArgs& args) {
     QString problem;
     const std::optional<TransferOptions> options = TransferOptions::read(args, &problem);
     if (!options) {
-        return fail(problem + QStringLiteral("\nusage: fetch-answers DOCTOR [--method disk|folder] "
-                                             "[--to DIR]"),
-                    2);
+        return args.usageError(problem);
     }
     if (session.open() == nullptr) {
         return fail(QStringLiteral("the database is not available"));
@@ -21,7 +21,7 @@ int commandFetchAnswers(CliSession& session, const QStringList& args) {
     const TransferMethod method = options->methodFor(session);
     const std::optional<TransferPlaces> places = options->places(session, method, &problem);
     if (!places) {
-        return fail(problem, 2);
+        return args.usageError(problem);
     }
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     SleepingWait wait;
@@ -40,5 +40,16 @@ int commandFetchAnswers(CliSession& session, const QStringList& args) {
     }
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("fetch-answers"),
+    .summary = QStringLiteral("fetch the ministry's answers and print the files' paths"),
+    .arguments = {{QStringLiteral("DOCTOR"),
+                   QStringLiteral("the doctor whose answers are fetched")}},
+    .options = TransferOptions::declared(),
+    .run = fetchAnswers,
+});
+
+}  // namespace
 
 }  // namespace brimsett

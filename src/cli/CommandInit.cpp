@@ -2,12 +2,11 @@
 
 namespace brimsett {
 
+namespace {
+
 // Exit status 3 tells a script that the layout was updated: the program would stop here
 // and ask for a restart.
-int commandInit(CliSession& session, const QStringList& args) {
-    if (!args.isEmpty()) {
-        return fail(QStringLiteral("init takes no arguments"), 2);
-    }
+int init(CliSession& session, const CliArgs&) {
     Startup::Result& result = session.startOnce();
     for (const QString& line : result.done) {
         session.out() << line << "\n";
@@ -26,5 +25,15 @@ int commandInit(CliSession& session, const QStringList& args) {
     }
     return fail(QStringLiteral("the database could not be created: ") + result.error);
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("init"),
+    .summary = QStringLiteral("create or open the database, apply a restore, update it"),
+    .details = {QStringLiteral("Exit status 3: the layout was updated; the program would ask "
+                               "for a restart.")},
+    .run = init,
+});
+
+}  // namespace
 
 }  // namespace brimsett

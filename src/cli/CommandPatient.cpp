@@ -39,15 +39,10 @@ QList<std::pair<const char*, QString>> labelled(const PatientEntry& p) {
     };
 }
 
-}  // namespace
-
-int commandPatient(CliSession& session, const QStringList& args) {
-    if (args.size() != 2 || args.first() != QLatin1String("show")) {
-        return fail(QStringLiteral("usage: patient show ID"), 2);
-    }
-    const std::optional<qint64> id = PatientRegister::readId(args.at(1));
+int show(CliSession& session, const CliArgs& args) {
+    const std::optional<qint64> id = PatientRegister::readId(args.argument(0));
     if (!id) {
-        return fail(QLatin1String(kInvalidNumber), 2);
+        return args.usageError(QLatin1String(kInvalidNumber));
     }
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
@@ -69,5 +64,14 @@ int commandPatient(CliSession& session, const QStringList& args) {
     }
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("patient show"),
+    .summary = QStringLiteral("print the patient's fields, one per line"),
+    .arguments = {{QStringLiteral("ID"), QStringLiteral("the patient's number")}},
+    .run = show,
+});
+
+}  // namespace
 
 }  // namespace brimsett

@@ -7,32 +7,14 @@ namespace brimsett {
 
 namespace {
 
-const QString kUsage = QStringLiteral(
-    "usage: prepare DOCTOR [--cutoff YYYY/MM/DD] [--start YYYY/MM/DD] [--one-profile] "
-    "[--by-created]");
-
-}  // namespace
-
-int commandPrepare(CliSession& session, const QStringList& args) {
+int prepare(CliSession& session, const CliArgs& args) {
     PrepareRequest request;
-    QStringList rest = args;
-    while (!rest.isEmpty()) {
-        const QString word = rest.takeFirst();
-        if ((word == QLatin1String("--cutoff") || word == QLatin1String("--start")) &&
-            !rest.isEmpty()) {
-            (word == QLatin1String("--cutoff") ? request.cutOff : request.start) = rest.takeFirst();
-        } else if (word == QLatin1String("--one-profile")) {
-            request.oneProfile = true;
-        } else if (word == QLatin1String("--by-created")) {
-            request.dateBy = PrepareRequest::DateBy::Created;
-        } else if (!word.startsWith(QLatin1String("--")) && request.doctorId.isEmpty()) {
-            request.doctorId = word;
-        } else {
-            return fail(kUsage);
-        }
-    }
-    if (request.doctorId.isEmpty()) {
-        return fail(kUsage);
+    request.doctorId = args.argument(0);
+    request.cutOff = args.value(QStringLiteral("cutoff"));
+    request.start = args.value(QStringLiteral("start"));
+    request.oneProfile = args.isSet(QStringLiteral("one-profile"));
+    if (args.isSet(QStringLiteral("by-created"))) {
+        request.dateBy = PrepareRequest::DateBy::Created;
     }
     Startup::Result* opened = session.open();
     if (opened == nullptr) {
@@ -58,5 +40,26 @@ int commandPrepare(CliSession& session, const QStringList& args) {
     }
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("prepare"),
+    .summary = QStringLiteral("write the doctor's pending claims into a claim file"),
+    .arguments = {{QStringLiteral("DOCTOR"), QStringLiteral("the doctor whose claims are sent")}},
+    .options = {{QStringLiteral("cutoff"), QStringLiteral("YYYY/MM/DD"),
+                 QStringLiteral("the last service date taken")},
+                {QStringLiteral("start"), QStringLiteral("YYYY/MM/DD"),
+                 QStringLiteral("the first service date taken")},
+                {QStringLiteral("one-profile"),
+                 {},
+                 QStringLiteral("this doctor's profile only, not the others of the group")},
+                {QStringLiteral("by-created"),
+                 {},
+                 QStringLiteral("the dates are the claims' creation dates")}},
+    .details = {QStringLiteral("Prints the file's name and each batch's number, claims, records "
+                               "and total.")},
+    .run = prepare,
+});
+
+}  // namespace
 
 }  // namespace brimsett

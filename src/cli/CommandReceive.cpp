@@ -82,26 +82,19 @@ void printBatchEdit(CliSession& session, const ReceivedAnswer& answer) {
     }
 }
 
-}  // namespace
-
-int commandReceive(CliSession& session, const QStringList& args) {
-    QStringList rest = args;
-    const bool reconcile = !rest.removeAll(QStringLiteral("--no-reconcile"));
-    if (rest.size() != 1 || rest.first().startsWith(QStringLiteral("--"))) {
-        return fail(QStringLiteral("usage: receive FILE [--no-reconcile]"), 2);
-    }
+int receive(CliSession& session, const CliArgs& args) {
     if (session.open() == nullptr) {
         return fail(QStringLiteral("the database is not available"));
     }
     ReadOptions options;
-    options.reconcile = reconcile;
+    options.reconcile = !args.isSet(QStringLiteral("no-reconcile"));
     options.remittance.i2ToFullSubmitted = session.settings().option[16];
     options.remittance.autoSplit =
         session.store().get(QStringLiteral("Options"), QStringLiteral("AutoSplit")) ==
         QLatin1String("1");
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
-    const std::optional<ReceivedAnswer> answer =
-        readAnswer(session.db(), log, session.prompter(), locate(session, rest.first()), options);
+    const std::optional<ReceivedAnswer> answer = readAnswer(
+        session.db(), log, session.prompter(), locate(session, args.argument(0)), options);
     if (!answer) {
         return 1;  // the reason went to standard error
     }
@@ -136,5 +129,21 @@ int commandReceive(CliSession& session, const QStringList& args) {
     session.out() << "Finished\n";
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("receive"),
+    .summary = QStringLiteral("read a remittance advice, batch edit or claims error report"),
+    .arguments = {{QStringLiteral("FILE"),
+                   QStringLiteral(
+                       "the ministry's file; a bare name is looked for in Download/ too")}},
+    .options = {{QStringLiteral("no-reconcile"),
+                 {},
+                 QStringLiteral("only read and print it; the claims stay as they are")}},
+    .details = {QStringLiteral("Writes what the file answers into the claims, and prints its "
+                               "errors and totals.")},
+    .run = receive,
+});
+
+}  // namespace
 
 }  // namespace brimsett

@@ -29,25 +29,17 @@ private:
     QTextStream& m_out;
 };
 
-}  // namespace
-
-int commandImportSob(CliSession& session, const QStringList& args) {
-    if (args.size() != 1) {
-        return fail(QStringLiteral("usage: import-sob FILE"), 2);
-    }
+int importSob(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     CountToStdout prompter(session.prompter(), session.out());
     SobImport import(session.db(), prompter, log);
-    return import.run(args.first()).imported ? 0 : 1;
+    return import.run(args.argument(0)).imported ? 0 : 1;
 }
 
-int commandFee(CliSession& session, const QStringList& args) {
-    if (args.size() != 2) {
-        return fail(QStringLiteral("usage: fee CODE SPECIALTY"), 2);
-    }
+int feeOf(CliSession& session, const CliArgs& args) {
     Startup::Result* opened = session.open();
     if (!opened) {
         return fail(QStringLiteral("the database is not available"));
@@ -55,16 +47,17 @@ int commandFee(CliSession& session, const QStringList& args) {
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     FeeSchedule schedule(session.db(), log);
     // The item's code: the fee code and its suffix letter.
-    const QString code = args.at(0).trimmed().toUpper();
+    const QString code = args.argument(0).trimmed().toUpper();
     if (code.size() < 2) {
-        return fail(QStringLiteral("a fee code and its suffix letter are needed, e.g. A007A"), 2);
+        return args.usageError(
+            QStringLiteral("a fee code and its suffix letter are needed, e.g. A007A"));
     }
     const std::optional<ServiceFees> row = schedule.find(code);
     if (!row) {
         return fail(
             QStringLiteral("fee code %1 is not in the schedule of benefits").arg(code.chopped(1)));
     }
-    const std::optional<ItemFee> fee = fees::bySuffix(*row, code.back(), args.at(1));
+    const std::optional<ItemFee> fee = fees::bySuffix(*row, code.back(), args.argument(1));
     if (!fee) {
         return fail(QStringLiteral("suffix %1 takes no fee from the schedule; the item keeps "
                                    "its own")
@@ -73,5 +66,24 @@ int commandFee(CliSession& session, const QStringList& args) {
     session.out() << fee->fee.format(opened->money) << " units " << fee->units << "\n";
     return 0;
 }
+
+[[maybe_unused]] const bool registered =
+    cli::add({
+        .name = QStringLiteral("import-sob"),
+        .summary = QStringLiteral("update the fee schedule from the ministry's master file"),
+        .arguments = {{QStringLiteral("FILE"), QStringLiteral("the schedule of benefits file")}},
+        // The fee schedule is Manage Codes' business.
+        .level = AccessLevels::kBillingSecretary,
+        .run = importSob,
+    }) &&
+    cli::add({
+        .name = QStringLiteral("fee"),
+        .summary = QStringLiteral("the fee and units an item with that code would take"),
+        .arguments = {{QStringLiteral("CODE"), QStringLiteral("fee code and suffix, e.g. A007A")},
+                      {QStringLiteral("SPECIALTY"), QStringLiteral("the doctor's specialty code")}},
+        .run = feeOf,
+    });
+
+}  // namespace
 
 }  // namespace brimsett

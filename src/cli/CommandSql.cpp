@@ -2,6 +2,8 @@
 
 #include <QSqlRecord>
 
+#include <sqlite3.h>
+
 namespace brimsett {
 
 namespace {
@@ -19,16 +21,35 @@ QString field(const QVariant& value) {
     return text;
 }
 
-}  // namespace
-
-int commandSql(CliSession& session, const QStringList& args) {
-    if (args.size() != 1) {
-        return fail(QStringLiteral("sql takes one statement (quote it)"), 2);
+// The engine's own answer, asked before the statement runs: whether it may write to the
+// database. What it cannot prepare, a second statement or another engine count as changes.
+bool mayChange(Database& db, const QString& statement) {
+    auto* handle = static_cast<sqlite3*>(db.nativeHandle());
+    if (handle == nullptr || db.dialect().name() != QLatin1String("SQLite")) {
+        return true;
     }
+    const QByteArray text = statement.toUtf8();
+    sqlite3_stmt* prepared = nullptr;
+    const char* rest = nullptr;
+    const int rc = sqlite3_prepare_v2(handle, text.constData(), static_cast<int>(text.size()),
+                                      &prepared, &rest);
+    const bool readOnly = rc == SQLITE_OK && prepared != nullptr &&
+                          sqlite3_stmt_readonly(prepared) != 0 &&
+                          QByteArray(rest).trimmed().isEmpty();
+    sqlite3_finalize(prepared);
+    return !readOnly;
+}
+
+int sql(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
-    QSqlQuery q = session.db().exec(args.first(), {}, QStringLiteral("running the statement"));
+    const QString statement = args.argument(0);
+    // Changing data by hand is the Master's, as the options screen; reading is for everyone.
+    if (mayChange(session.db(), statement) && !session.require(AccessLevels::kMaster)) {
+        return 1;
+    }
+    QSqlQuery q = session.db().exec(statement, {}, QStringLiteral("running the statement"));
     if (!q.isSelect()) {
         session.out() << q.numRowsAffected() << " row(s) changed\n";
         return 0;
@@ -48,5 +69,20 @@ int commandSql(CliSession& session, const QStringList& args) {
     }
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("sql"),
+    .summary = QStringLiteral("run one statement; a query prints tab-separated rows"),
+    .arguments = {{QStringLiteral("STATEMENT"),
+                   QStringLiteral("the statement, quoted as one argument")}},
+    .details = {QStringLiteral("A query prints a header and one line per row: a NULL is an empty "
+                               "field; a tab, line break or"),
+                QStringLiteral("backslash inside a value is written \\t, \\n, \\r, \\\\. A "
+                               "statement that changes data needs the"),
+                QStringLiteral("[Master] password when passwords are set.")},
+    .run = sql,
+});
+
+}  // namespace
 
 }  // namespace brimsett

@@ -9,15 +9,11 @@ namespace brimsett {
 
 namespace {
 
-const QString kUsage = QStringLiteral("usage: submit FILE [--method disk|folder] [--to DIR]");
-
-}  // namespace
-
-int commandSubmit(CliSession& session, const QStringList& args) {
+int submit(CliSession& session, const CliArgs& args) {
     QString problem;
     const std::optional<TransferOptions> options = TransferOptions::read(args, &problem);
     if (!options) {
-        return fail(problem + QLatin1Char('\n') + kUsage, 2);
+        return args.usageError(problem);
     }
     // Claim files are sent from the office folder; a path must point there.
     QString fileName = options->word;
@@ -36,7 +32,7 @@ int commandSubmit(CliSession& session, const QStringList& args) {
     const TransferMethod method = options->methodFor(session);
     const std::optional<TransferPlaces> places = options->places(session, method, &problem);
     if (!places) {
-        return fail(problem, 2);
+        return args.usageError(problem);
     }
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     SleepingWait wait;
@@ -48,5 +44,15 @@ int commandSubmit(CliSession& session, const QStringList& args) {
     session.out() << fileName << "\n";
     return 0;
 }
+
+[[maybe_unused]] const bool registered = cli::add({
+    .name = QStringLiteral("submit"),
+    .summary = QStringLiteral("hand a claim file of the office folder to the ministry"),
+    .arguments = {{QStringLiteral("FILE"), QStringLiteral("the claim file's name or path")}},
+    .options = TransferOptions::declared(),
+    .run = submit,
+});
+
+}  // namespace
 
 }  // namespace brimsett

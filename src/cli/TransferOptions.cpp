@@ -7,33 +7,26 @@
 
 namespace brimsett {
 
-std::optional<TransferOptions> TransferOptions::read(const QStringList& args, QString* problem) {
+QList<CliOption> TransferOptions::declared() {
+    return {{QStringLiteral("method"), QStringLiteral("disk|folder"),
+             QStringLiteral("the way to the ministry (else the \"SubmitMethod\" setting)")},
+            {QStringLiteral("to"), QStringLiteral("DIR"), QStringLiteral("the disk's folder")}};
+}
+
+std::optional<TransferOptions> TransferOptions::read(const CliArgs& args, QString* problem) {
     TransferOptions options;
-    QStringList rest = args;
-    while (!rest.isEmpty()) {
-        const QString word = rest.takeFirst();
-        if (word == QLatin1String("--method") && !rest.isEmpty()) {
-            const QString method = rest.takeFirst();
-            if (method == QLatin1String("disk")) {
-                options.method = TransferMethod::Disk;
-            } else if (method == QLatin1String("folder")) {
-                options.method = TransferMethod::Folder;
-            } else {
-                *problem = QStringLiteral("unknown method %1 (disk or folder)").arg(method);
-                return std::nullopt;
-            }
-        } else if (word == QLatin1String("--to") && !rest.isEmpty()) {
-            options.to = rest.takeFirst();
-        } else if (!word.startsWith(QLatin1String("--")) && options.word.isEmpty()) {
-            options.word = word;
+    options.word = args.argument(0);
+    options.to = args.value(QStringLiteral("to"));
+    if (args.isSet(QStringLiteral("method"))) {
+        const QString method = args.value(QStringLiteral("method"));
+        if (method == QLatin1String("disk")) {
+            options.method = TransferMethod::Disk;
+        } else if (method == QLatin1String("folder")) {
+            options.method = TransferMethod::Folder;
         } else {
-            *problem = QStringLiteral("unexpected %1").arg(word);
+            *problem = QStringLiteral("unknown method %1 (disk or folder)").arg(method);
             return std::nullopt;
         }
-    }
-    if (options.word.isEmpty()) {
-        *problem = QStringLiteral("missing argument");
-        return std::nullopt;
     }
     return options;
 }

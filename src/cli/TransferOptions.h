@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/CliCommand.h"
 #include "ministry/ClaimTransfer.h"
 #include "ministry/TransferWait.h"
 
@@ -18,8 +19,10 @@ struct TransferOptions {
     std::optional<TransferMethod> method;
     QString to;  // the disk folder
 
-    // None (and the problem) for anything else.
-    static std::optional<TransferOptions> read(const QStringList& args, QString* problem);
+    // The two options' declarations.
+    static QList<CliOption> declared();
+    // None (and the problem) for a method that is neither.
+    static std::optional<TransferOptions> read(const CliArgs& args, QString* problem);
     // The method asked for, else the office's "SubmitMethod".
     TransferMethod methodFor(CliSession& session) const;
     // The office folder and the disk folder; none (and the problem) when the disk method has

@@ -1,98 +1,61 @@
+#include "cli/CliCommand.h"
 #include "cli/CliSession.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
-
-#include <functional>
-#include <map>
 
 using namespace brimsett;
 
 namespace {
 
-const char* kUsage =
-    "usage: brimsett-cli [--home DIR] [--settings FILE] [--yes] COMMAND ...\n"
-    "commands:\n"
-    "  init                      create or open the database, apply a restore, update it\n"
-    "  sql STATEMENT             run one statement; a query prints tab-separated rows\n"
-    "  settings get SECTION KEY  print a setting\n"
-    "  settings set SECTION KEY VALUE\n"
-    "  backup                    make a dated backup of the database\n"
-    "  send WORD [ARGS]          send a command word to the running program\n"
-    "  hn check PROVINCE NUMBER  \"valid\" (exit 0) or \"not valid\" (exit 1)\n"
-    "  hn guess NUMBER           the province the number most likely belongs to\n"
-    "  patient show ID           print the patient's fields, one per line\n"
-    "  import-sob FILE           update the fee schedule from the ministry's master file\n"
-    "  fee CODE SPECIALTY        the fee and units an item with that code would take\n"
-    "  claim add --doctor ID --patient ID [--program PROG] ITEM...\n"
-    "                            save a claim (ITEM: CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE]) and\n"
-    "                            print its numbers; \"claim add\" alone lists its options\n"
-    "  claim show ID             print a claim and its items\n"
-    "  claim pending [DOCTOR]    print the pending items and their total\n"
-    "  prepare DOCTOR [--cutoff YYYY/MM/DD] [--start YYYY/MM/DD] [--one-profile] [--by-created]\n"
-    "                            write the doctor's pending claims into a claim file and print\n"
-    "                            its name and each batch's number, claims, records and total\n"
-    "  submit FILE [--method disk|folder] [--to DIR]\n"
-    "                            hand a claim file of the office folder to the ministry (the\n"
-    "                            \"SubmitMethod\" setting unless --method; --to: the disk folder)\n"
-    "  fetch-answers DOCTOR [--method disk|folder] [--to DIR]\n"
-    "                            fetch the ministry's answers and print the files' paths\n"
-    "  receive FILE [--no-reconcile]\n"
-    "                            read a remittance advice, batch edit or claims error report\n"
-    "                            (a bare name is looked for in Download/ too), write what it\n"
-    "                            answers into the claims, print its errors and totals\n";
+const QList<CliOption> kGlobalOptions = {
+    {QStringLiteral("home"), QStringLiteral("DIR"),
+     QStringLiteral("the office data folder (else $BRIMSETT_HOME)")},
+    {QStringLiteral("settings"), QStringLiteral("FILE"),
+     QStringLiteral("the settings file (else $BRIMSETT_SETTINGS)")},
+    {QStringLiteral("yes"), {}, QStringLiteral("answer Yes to every question")},
+    {QStringLiteral("help"), {}, QStringLiteral("show this help")},
+};
 
 }  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QStringList args = app.arguments().mid(1);
-    QString home;
-    QString settingsFile;
-    bool yes = false;
-    while (!args.isEmpty() && args.first().startsWith(QStringLiteral("--"))) {
-        const QString option = args.takeFirst();
-        if (option == QLatin1String("--yes")) {
-            yes = true;
-        } else if ((option == QLatin1String("--home") || option == QLatin1String("--settings")) &&
-                   !args.isEmpty()) {
-            (option == QLatin1String("--home") ? home : settingsFile) = args.takeFirst();
-        } else if (option == QLatin1String("--help")) {
-            QTextStream(stdout) << kUsage;
-            return 0;
-        } else {
-            QTextStream(stderr) << "brimsett-cli: unknown option " << option << "\n" << kUsage;
-            return 2;
-        }
+    // The global options come before the command; everything from the command on is its own.
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    for (const CliOption& option : kGlobalOptions) {
+        parser.addOption(option.valueName.isEmpty()
+                             ? QCommandLineOption(option.name)
+                             : QCommandLineOption(option.name, option.help, option.valueName));
     }
-    if (args.isEmpty()) {
-        QTextStream(stderr) << kUsage;
+    if (!parser.parse(app.arguments())) {
+        QTextStream(stderr) << "brimsett-cli: " << parser.errorText() << "\n"
+                            << cli::programHelp(kGlobalOptions);
         return 2;
     }
-    const std::map<QString, std::function<int(CliSession&, const QStringList&)>> commands = {
-        {QStringLiteral("init"), commandInit},
-        {QStringLiteral("sql"), commandSql},
-        {QStringLiteral("settings"), commandSettings},
-        {QStringLiteral("backup"), commandBackup},
-        {QStringLiteral("send"), commandSend},
-        {QStringLiteral("hn"), commandHn},
-        {QStringLiteral("patient"), commandPatient},
-        {QStringLiteral("import-sob"), commandImportSob},
-        {QStringLiteral("fee"), commandFee},
-        {QStringLiteral("claim"), commandClaim},
-        {QStringLiteral("prepare"), commandPrepare},
-        {QStringLiteral("submit"), commandSubmit},
-        {QStringLiteral("fetch-answers"), commandFetchAnswers},
-        {QStringLiteral("receive"), commandReceive},
-    };
-    const QString word = args.takeFirst();
-    const auto it = commands.find(word);
-    if (it == commands.end()) {
-        QTextStream(stderr) << "brimsett-cli: unknown command " << word << "\n" << kUsage;
-        return 2;
+    if (parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << cli::programHelp(kGlobalOptions);
+        return 0;
     }
-    CliSession session(home, settingsFile, yes);
+    const auto found = cli::find(parser.positionalArguments(), kGlobalOptions);
+    if (const int* status = std::get_if<int>(&found)) {
+        return *status;
+    }
+    const cli::Found& command = std::get<cli::Found>(found);
+    const auto parsed = cli::parse(*command.command, command.rest);
+    if (const int* status = std::get_if<int>(&parsed)) {
+        return *status;
+    }
+    const CliArgs& args = std::get<CliArgs>(parsed);
+    CliSession session(parser.value(QStringLiteral("home")),
+                       parser.value(QStringLiteral("settings")),
+                       parser.isSet(QStringLiteral("yes")));
     try {
-        return it->second(session, args);
+        if (command.command->level && !session.require(*command.command->level)) {
+            return 1;
+        }
+        return command.command->run(session, args);
     } catch (const DbError& e) {
         return fail(e.message());
     }

@@ -66,7 +66,7 @@ private slots:
         test::row("bad item", QStringList{"--doctor", "JS", "--patient", "1", "A007A:401"}, 2,
                   "is not CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE]");
         test::row("no doctor", QStringList{"--patient", "1", "A007A:401:1:" + day(2)}, 2,
-                  "usage: claim add");
+                  "usage: brimsett-cli claim add --doctor ID");
     }
     void refusedClaimWritesNothing() {
         QFETCH(QStringList, args);

@@ -46,7 +46,7 @@ private slots:
         const auto nothing = run({"prepare", "JS"});
         QCOMPARE(nothing.status, 1);
         QVERIFY2(nothing.err.contains("No claims to submit."), qPrintable(nothing.err));
-        QCOMPARE(run({"prepare"}).status, 1);
+        QCOMPARE(run({"prepare"}).status, 2);
     }
 };
 

@@ -83,7 +83,7 @@ private slots:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("error");
-        test::row("no file", QStringList{"submit"}, 2, "usage: submit FILE");
+        test::row("no file", QStringList{"submit"}, 2, "usage: brimsett-cli submit FILE");
         test::row("unknown method", QStringList{"submit", kFile, "--method", "modem"}, 2,
                   "unknown method modem");
         test::row("disk without its folder", QStringList{"submit", kFile}, 2,

@@ -1,0 +1,252 @@
+#include "cli/CliCommand.h"
+
+#include <QCommandLineParser>
+#include <QTextStream>
+
+#include <algorithm>
+
+namespace brimsett {
+
+namespace {
+
+const QString kProgram = QStringLiteral("brimsett-cli");
+constexpr int kColumn = 26;  // where the help of a table row starts
+
+QList<CliCommand>& registry() {
+    static QList<CliCommand> all;
+    return all;
+}
+
+// Rows of two columns; a left text too long for its column puts the help on the next line.
+QString table(const QList<std::pair<QString, QString>>& rows) {
+    QString text;
+    for (const auto& [left, help] : rows) {
+        QString line = QStringLiteral("  ") + left;
+        if (!help.isEmpty()) {
+            if (line.size() + 2 > kColumn) {
+                line += QLatin1Char('\n') + QString(kColumn, QLatin1Char(' '));
+            } else {
+                line = line.leftJustified(kColumn);
+            }
+            line += help;
+        }
+        text += line + QLatin1Char('\n');
+    }
+    return text;
+}
+
+QString optionText(const CliOption& option) {
+    return QStringLiteral("--") + option.name +
+           (option.valueName.isEmpty() ? QString() : QLatin1Char(' ') + option.valueName);
+}
+
+QString argumentText(const CliArgument& argument) {
+    switch (argument.count) {
+        case CliArgument::Count::One:
+            return argument.name;
+        case CliArgument::Count::Optional:
+            return QLatin1Char('[') + argument.name + QLatin1Char(']');
+        case CliArgument::Count::OneOrMore:
+            return argument.name + QStringLiteral("...");
+        case CliArgument::Count::AnyNumber:
+            return QLatin1Char('[') + argument.name + QStringLiteral("...]");
+    }
+    return argument.name;
+}
+
+QString optionsTable(const QList<CliOption>& options) {
+    QList<std::pair<QString, QString>> rows;
+    for (const CliOption& option : options) {
+        rows.append({optionText(option), option.help});
+    }
+    return table(rows);
+}
+
+QString groupOf(const CliCommand& command) {
+    return command.name.section(QLatin1Char(' '), 0, 0);
+}
+
+QList<const CliCommand*> groupCommands(const QString& group) {
+    QList<const CliCommand*> found;
+    for (const CliCommand& command : registry()) {
+        if (command.name.contains(QLatin1Char(' ')) && groupOf(command) == group) {
+            found.append(&command);
+        }
+    }
+    return found;
+}
+
+QString commandsTable(const QList<const CliCommand*>& commands) {
+    QList<std::pair<QString, QString>> rows;
+    for (const CliCommand* command : commands) {
+        rows.append({command->name, command->summary});
+    }
+    return table(rows);
+}
+
+int usageError(const QString& who, const QString& problem, const QString& usage) {
+    QTextStream(stderr) << who << ": " << problem << "\n" << usage;
+    return 2;
+}
+
+QString groupUsage(const QList<const CliCommand*>& commands) {
+    QString text;
+    for (const CliCommand* command : commands) {
+        text += cli::usageLine(*command) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+}  // namespace
+
+int CliArgs::usageError(const QString& problem) const {
+    return brimsett::usageError(kProgram + QLatin1Char(' ') + m_command.name, problem,
+                                cli::usageLine(m_command) + QLatin1Char('\n'));
+}
+
+namespace cli {
+
+bool add(CliCommand command) {
+    QList<CliCommand>& all = registry();
+    const auto at =
+        std::lower_bound(all.begin(), all.end(), command.name,
+                         [](const CliCommand& c, const QString& name) { return c.name < name; });
+    all.insert(at, std::move(command));
+    return true;
+}
+
+const QList<CliCommand>& commands() {
+    return registry();
+}
+
+QString usageLine(const CliCommand& command) {
+    // The options that must be given, the arguments, then the options that may be.
+    QStringList words = {QStringLiteral("usage:"), kProgram, command.name};
+    for (const CliOption& option : command.options) {
+        if (option.required) {
+            words << optionText(option);
+        }
+    }
+    for (const CliArgument& argument : command.arguments) {
+        words << argumentText(argument);
+    }
+    for (const CliOption& option : command.options) {
+        if (!option.required) {
+            words << QLatin1Char('[') + optionText(option) + QLatin1Char(']');
+        }
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+QString helpText(const CliCommand& command) {
+    QString text =
+        usageLine(command) + QStringLiteral("\n\n") + command.summary + QLatin1Char('\n');
+    for (const QString& line : command.details) {
+        text += line + QLatin1Char('\n');
+    }
+    if (!command.arguments.isEmpty()) {
+        QList<std::pair<QString, QString>> rows;
+        for (const CliArgument& argument : command.arguments) {
+            rows.append({argument.name, argument.help});
+        }
+        text += QStringLiteral("\narguments:\n") + table(rows);
+    }
+    text += QStringLiteral("\noptions:\n") +
+            optionsTable(
+                command.options +
+                QList<CliOption>{{QStringLiteral("help"), {}, QStringLiteral("show this help")}});
+    return text;
+}
+
+QString programHelp(const QList<CliOption>& globalOptions) {
+    QList<const CliCommand*> all;
+    for (const CliCommand& command : registry()) {
+        all.append(&command);
+    }
+    return QStringLiteral(
+               "usage: %1 [--home DIR] [--settings FILE] [--yes] COMMAND ...\n"
+               "       %1 COMMAND --help   the command's arguments and options\n"
+               "\noptions (before the command):\n")
+               .arg(kProgram) +
+           optionsTable(globalOptions) + QStringLiteral("\ncommands:\n") + commandsTable(all);
+}
+
+std::variant<Found, int> find(const QStringList& words, const QList<CliOption>& globalOptions) {
+    const QString first = words.value(0);
+    for (const CliCommand& command : registry()) {
+        if (command.name == first) {
+            return Found{&command, words.mid(1)};
+        }
+    }
+    const QList<const CliCommand*> group = groupCommands(first);
+    if (group.isEmpty()) {
+        return usageError(kProgram,
+                          first.isEmpty() ? QStringLiteral("missing command")
+                                          : QStringLiteral("unknown command ") + first,
+                          programHelp(globalOptions));
+    }
+    const QString second = words.value(1);
+    if (second == QLatin1String("--help") || second == QLatin1String("-h")) {
+        QTextStream(stdout) << "commands:\n"
+                            << commandsTable(group) << "\n'" << kProgram << " " << first
+                            << " COMMAND --help' tells a command's arguments and options.\n";
+        return 0;
+    }
+    for (const CliCommand* command : group) {
+        if (command->name == first + QLatin1Char(' ') + second) {
+            return Found{command, words.mid(2)};
+        }
+    }
+    return usageError(kProgram + QLatin1Char(' ') + first,
+                      second.isEmpty() ? QStringLiteral("missing command")
+                                       : QStringLiteral("unknown command ") + second,
+                      groupUsage(group));
+}
+
+std::variant<CliArgs, int> parse(const CliCommand& command, const QStringList& words) {
+    QCommandLineParser parser;
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    parser.addOption(help);
+    for (const CliOption& option : command.options) {
+        parser.addOption(option.valueName.isEmpty()
+                             ? QCommandLineOption(option.name)
+                             : QCommandLineOption(option.name, option.help, option.valueName));
+    }
+    const CliArgs empty(command, {}, {});
+    if (!parser.parse(QStringList{kProgram} + words)) {
+        return empty.usageError(parser.errorText());
+    }
+    if (parser.isSet(help)) {
+        QTextStream(stdout) << helpText(command);
+        return 0;
+    }
+    QMap<QString, QString> options;
+    for (const CliOption& option : command.options) {
+        if (parser.isSet(option.name)) {
+            options.insert(option.name, parser.value(option.name));
+        } else if (option.required) {
+            return empty.usageError(QStringLiteral("missing ") + optionText(option));
+        }
+    }
+    const QStringList positional = parser.positionalArguments();
+    qsizetype at = 0;
+    bool many = false;
+    for (const CliArgument& argument : command.arguments) {
+        const bool needed = argument.count == CliArgument::Count::One ||
+                            argument.count == CliArgument::Count::OneOrMore;
+        if (needed && at >= positional.size()) {
+            return empty.usageError(QStringLiteral("missing ") + argument.name);
+        }
+        many = many || argument.count == CliArgument::Count::OneOrMore ||
+               argument.count == CliArgument::Count::AnyNumber;
+        at = many ? positional.size() : std::min(at + 1, positional.size());
+    }
+    if (at < positional.size()) {
+        return empty.usageError(QStringLiteral("unexpected argument ") + positional.at(at));
+    }
+    return CliArgs(command, positional, options);
+}
+
+}  // namespace cli
+
+}  // namespace brimsett
