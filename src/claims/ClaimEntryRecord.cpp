@@ -8,7 +8,8 @@ namespace brimsett::claimentry {
 ClaimRecord toRecord(const ClaimEntry& entry, const MoneyFormat& money) {
     ClaimRecord c;
     c.claimId = entry.claimId.value_or(0);
-    c.doctorId = entry.doctorId.trimmed();
+    // Doctor ids are kept in capitals: the batches look for them as the register has them.
+    c.doctorId = entry.doctorId.trimmed().toUpper();
     c.payProg = entry.payProg.trimmed();
     const QString payer = entry.thirdPartyId.trimmed();
     if (!payer.isEmpty()) {

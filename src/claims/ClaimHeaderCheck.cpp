@@ -16,6 +16,17 @@ namespace {
 
 constexpr int kOnlyOntarioSwitch = 1;
 
+// The widths of the claim file's fields: a longer value would be cut there, and anything but
+// letters and digits would reach the ministry garbled.
+constexpr int kHealthNumWidth = 10;
+constexpr int kRegistrationWidth = 12;  // a reciprocal claim's own header
+constexpr int kVersionCodeWidth = 2;
+constexpr int kSliWidth = 4;
+
+bool fitsField(const QString& text, int width) {
+    return text.size() <= width && hn::allLettersOrDigits(text);
+}
+
 bool isType(QChar type, const char* letters) {
     return !type.isNull() && QLatin1String(letters).contains(type);
 }
@@ -39,6 +50,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     const QString facility = c.facilityNum.trimmed();
     const QString refLab = c.refLab.trimmed();
     const QString doctorId = c.doctorId.trimmed();
+    const QString sli = c.sli.trimmed();
 
     // The claim copies the patient from the register, so the patient must be there.
     if (!hn::allDigits(patientId) || patientId.toLongLong() <= 0 ||
@@ -53,15 +65,31 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     if (!type.isNull() && !isType(type, "DT") && number.isEmpty()) {
         problems << QStringLiteral("You must enter a health card number.");
     }
+    bool numberTold = false;
     if (type == QLatin1Char('H') && !number.isEmpty() && !hn::ontarioCheck(number)) {
         problems << QStringLiteral("You must enter a valid Ontario health card number.");
+        numberTold = true;
     }
     if (type == QLatin1Char('R') && !number.isEmpty() &&
         !hn::checkByProvince(number, province, m_settings.option[kOnlyOntarioSwitch])) {
         problems << QStringLiteral("You must enter a valid health card number.");
+        numberTold = true;
+    }
+    // What the checks above let through must still fit the claim file (WCB numbers, and a
+    // province whose rule is lenient or unknown).
+    const int numberWidth = type == QLatin1Char('R') ? kRegistrationWidth : kHealthNumWidth;
+    if (isType(type, "HRW") && !number.isEmpty() && !numberTold &&
+        !fitsField(number, numberWidth)) {
+        problems << quotedInMessage(number) +
+                        QStringLiteral(
+                            " is not a valid health card number (it must be at most "
+                            "%1 letters or digits).")
+                            .arg(numberWidth);
     }
     if (!version.isEmpty() && !hn::allLetters(version)) {
         problems << QStringLiteral("Version code is invalid, must be letters only.");
+    } else if (version.size() > kVersionCodeWidth) {
+        problems << QStringLiteral("Version code is invalid, must be 2 letters at most.");
     }
 
     const QDate dob = readTypedDate(c.dob);
@@ -143,6 +171,12 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     if (!refLab.isEmpty() && !claimform::isRefLabNumber(refLab)) {
         problems << quotedInMessage(refLab) +
                         QStringLiteral(" is not a valid referring lab number.");
+    }
+    if (!sli.isEmpty() && !fitsField(sli, kSliWidth)) {
+        problems << quotedInMessage(sli) +
+                        QStringLiteral(
+                            " is not a valid service location indicator (it must be at most 4 "
+                            "letters or digits).");
     }
 
     if (doctorId.isEmpty()) {

@@ -15,6 +15,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace brimsett {
 
 namespace {
@@ -48,6 +50,21 @@ ClaimSave::ClaimSave(Database& db, Prompter& prompter, const Clock& clock, AppSe
 std::optional<ClaimSave::Saved> ClaimSave::save(ClaimEntry& entry, bool versionCodeEdited) {
     if (entry.payProg.trimmed().isEmpty()) {
         entry.payProg = m_options.defClaim;
+    }
+    // A program is one of the list (in any case); any other text would be kept and billed
+    // as a third party's claim. None at all is the claim check's to tell.
+    if (const QString typed = entry.payProg.trimmed(); !typed.isEmpty()) {
+        const QStringList& programs = payprog::storedForms();
+        const auto program = std::find_if(programs.begin(), programs.end(), [&](const QString& p) {
+            return p.compare(typed, Qt::CaseInsensitive) == 0;
+        });
+        if (program == programs.end()) {
+            m_prompter.error({quotedInMessage(typed) +
+                              QStringLiteral(" is not a payment program (") +
+                              programs.join(QStringLiteral(", ")) + QStringLiteral(").")});
+            return std::nullopt;
+        }
+        entry.payProg = *program;
     }
     if (entry.doctorId.trimmed().isEmpty()) {
         m_prompter.tell(kTitle, {QStringLiteral("A Doctor must be selected.")}, Icon::Information);

@@ -25,6 +25,7 @@ ClaimEntry changed(const QStringList& changes) {
         {"facilityNum", &ClaimEntry::facilityNum},
         {"admitDate", &ClaimEntry::admitDate},
         {"refLab", &ClaimEntry::refLab},
+        {"sli", &ClaimEntry::sli},
         {"doctorId", &ClaimEntry::doctorId}};
     static const QMap<QString, QString ItemEntry::*> rowFields = {
         {"row.code", &ItemEntry::serviceCode},
@@ -129,6 +130,26 @@ private slots:
                     "The patient's sex must be entered. (RMB)"});
         test::row("WCB outside Ontario", L{"payProg=WCB", "province=BC"},
                   L{"The province must be ''ON'' for OHIP (HCP,WCB) claims."});
+        // Whatever the claim file could not carry as typed: too long, or not letters and digits.
+        test::row("fields that do not fit the claim file",
+                  L{"payProg=WCB", "healthNum=12345678901", "versionCode=ABC", "sli=OFF-1"},
+                  L{"'12345678901' is not a valid health card number (it must be at most 10 "
+                    "letters or digits).",
+                    "Version code is invalid, must be 2 letters at most.",
+                    "'OFF-1' is not a valid service location indicator (it must be at most 4 "
+                    "letters or digits)."});
+        test::row("characters the claim file cannot carry",
+                  L{"payProg=WCB", "healthNum=1234 5678", "sli=OF\nF"},
+                  L{"'1234 5678' is not a valid health card number (it must be at most 10 "
+                    "letters or digits).",
+                    "'OF\nF' is not a valid service location indicator (it must be at most 4 "
+                    "letters or digits)."});
+        test::row("RMB of a province whose rule takes any digits",
+                  L{"payProg=RMB", "province=AB", "healthNum=1234567890123"},
+                  L{"'1234567890123' is not a valid health card number (it must be at most 12 "
+                    "letters or digits)."});
+        test::row("what fits",
+                  L{"payProg=WCB", "healthNum=A234567890", "versionCode=ab", "sli=HOP"}, L{});
     }
     void claimRules() {
         QFETCH(L, changes);

@@ -68,6 +68,7 @@ private slots:
 
     void savesAnOntarioClaim() {
         ClaimEntry c = ontarioClaim();
+        c.doctorId = "js";  // typed in small letters: stored as the register has it
         const auto saved = save(c);
         QVERIFY(saved);
         QCOMPARE(saved->statusLine,
@@ -114,6 +115,7 @@ private slots:
         QTest::addColumn<QString>("code");
         QTest::addColumn<QString>("batch");
         test::row("ontario", "HCP - S", "A007A", "000000000000");
+        test::row("ontario, typed in small letters", "hcp - s", "A007A", "000000000000");
         test::row("direct", "Direct", "X100", " Direct     ");
         test::row("third party", "Third Party", "X100", " thirdparty ");
     }
@@ -134,6 +136,9 @@ private slots:
         QTest::addColumn<QString>("message");
         test::row("no provider", "doctor", "A Doctor must be selected.");
         test::row("no province", "province", "A province must be selected.");
+        test::row("unknown program", "program",
+                  "'HCP' is not a payment program (HCP - P, HCP - S, RMB, WCB, Direct, "
+                  "Third Party).");
         test::row("check refused", "code",
                   "Cannot save this claim due to the following problem(s):");
         test::row("duplicate refused", "duplicate", "Are you sure you want to submit it again?");
@@ -150,6 +155,7 @@ private slots:
         ClaimEntry c = ontarioClaim();
         c.doctorId = change == "doctor" ? "" : c.doctorId;
         c.province = change == "province" ? "" : c.province;
+        c.payProg = change == "program" ? "HCP" : c.payProg;
         c.rows[0].serviceCode = change == "code" ? "Q999A" : c.rows[0].serviceCode;
         c.versionCode = "ZZ";
         QVERIFY(!save(c, true));  // every question answered with its default, No
