@@ -10,6 +10,8 @@
 
 #include <QSqlQuery>
 
+#include <algorithm>
+
 namespace brimsett {
 
 namespace {
@@ -22,6 +24,8 @@ constexpr int kHealthNumWidth = 10;
 constexpr int kRegistrationWidth = 12;  // a reciprocal claim's own header
 constexpr int kVersionCodeWidth = 2;
 constexpr int kSliWidth = 4;
+// The payer's own number is kept in the claim only, in a column of 30.
+constexpr int kRegNumWidth = 30;
 
 bool fitsField(const QString& text, int width) {
     return text.size() <= width && hn::allLettersOrDigits(text);
@@ -51,6 +55,7 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     const QString refLab = c.refLab.trimmed();
     const QString doctorId = c.doctorId.trimmed();
     const QString sli = c.sli.trimmed();
+    const QString regNum = c.regNum.trimmed();
 
     // The claim copies the patient from the register, so the patient must be there.
     if (!hn::allDigits(patientId) || patientId.toLongLong() <= 0 ||
@@ -171,6 +176,13 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
     if (!refLab.isEmpty() && !claimform::isRefLabNumber(refLab)) {
         problems << quotedInMessage(refLab) +
                         QStringLiteral(" is not a valid referring lab number.");
+    }
+    if (regNum.size() > kRegNumWidth ||
+        std::any_of(regNum.begin(), regNum.end(), [](QChar ch) { return !ch.isPrint(); })) {
+        problems << quotedInMessage(regNum) +
+                        QStringLiteral(
+                            " is not a valid registration number (it must be at most 30 "
+                            "characters).");
     }
     if (!sli.isEmpty() && !fitsField(sli, kSliWidth)) {
         problems << quotedInMessage(sli) +

@@ -26,6 +26,7 @@ ClaimEntry changed(const QStringList& changes) {
         {"admitDate", &ClaimEntry::admitDate},
         {"refLab", &ClaimEntry::refLab},
         {"sli", &ClaimEntry::sli},
+        {"regNum", &ClaimEntry::regNum},
         {"doctorId", &ClaimEntry::doctorId}};
     static const QMap<QString, QString ItemEntry::*> rowFields = {
         {"row.code", &ItemEntry::serviceCode},
@@ -139,9 +140,11 @@ private slots:
                     "'OFF-1' is not a valid service location indicator (it must be at most 4 "
                     "letters or digits)."});
         test::row("characters the claim file cannot carry",
-                  L{"payProg=WCB", "healthNum=1234 5678", "sli=OF\nF"},
+                  L{"payProg=WCB", "healthNum=1234 5678", "sli=OF\nF", "regNum=12\r34"},
                   L{"'1234 5678' is not a valid health card number (it must be at most 10 "
                     "letters or digits).",
+                    "'12\r34' is not a valid registration number (it must be at most 30 "
+                    "characters).",
                     "'OF\nF' is not a valid service location indicator (it must be at most 4 "
                     "letters or digits)."});
         test::row("RMB of a province whose rule takes any digits",
@@ -149,7 +152,9 @@ private slots:
                   L{"'1234567890123' is not a valid health card number (it must be at most 12 "
                     "letters or digits)."});
         test::row("what fits",
-                  L{"payProg=WCB", "healthNum=A234567890", "versionCode=ab", "sli=HOP"}, L{});
+                  L{"payProg=WCB", "healthNum=A234567890", "versionCode=ab", "sli=HOP",
+                    "regNum=WSIB 123-456"},
+                  L{});
     }
     void claimRules() {
         QFETCH(L, changes);
