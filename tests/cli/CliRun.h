@@ -13,9 +13,17 @@ struct CliResult {
     QString err;
 };
 
-// Runs brimsett-cli on the office's folder and settings, with nothing on standard input.
-inline CliResult cli(const TempOffice& office, const QStringList& args) {
+// Runs brimsett-cli on the office's folder and settings, with nothing on standard input and
+// $BRIMSETT_PASSWORD only when a password is given.
+inline CliResult cli(const TempOffice& office, const QStringList& args,
+                     const QString& password = {}) {
     QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove(QStringLiteral("BRIMSETT_PASSWORD"));
+    if (!password.isNull()) {
+        env.insert(QStringLiteral("BRIMSETT_PASSWORD"), password);
+    }
+    p.setProcessEnvironment(env);
     p.setProgram(QStringLiteral(BRIMSETT_CLI));
     p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
                    args);
