@@ -119,6 +119,12 @@ const QList<CliCommand>& commands() {
     return registry();
 }
 
+QCommandLineOption parserOption(const CliOption& option) {
+    return option.valueName.isEmpty()
+               ? QCommandLineOption(option.name, option.help)
+               : QCommandLineOption(option.name, option.help, option.valueName);
+}
+
 QString usageLine(const CliCommand& command) {
     // The options that must be given, the arguments, then the options that may be.
     QStringList words = {QStringLiteral("usage:"), kProgram, command.name};
@@ -208,9 +214,7 @@ std::variant<CliArgs, int> parse(const CliCommand& command, const QStringList& w
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     parser.addOption(help);
     for (const CliOption& option : command.options) {
-        parser.addOption(option.valueName.isEmpty()
-                             ? QCommandLineOption(option.name)
-                             : QCommandLineOption(option.name, option.help, option.valueName));
+        parser.addOption(parserOption(option));
     }
     const CliArgs empty(command, {}, {});
     if (!parser.parse(QStringList{kProgram} + words)) {

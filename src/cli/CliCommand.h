@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCommandLineOption>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -69,6 +70,9 @@ namespace cli {
 bool add(CliCommand command);
 // Every command, by name.
 const QList<CliCommand>& commands();
+
+// The option as QCommandLineParser takes it.
+QCommandLineOption parserOption(const CliOption& option);
 
 // "usage: brimsett-cli NAME ..." from the declaration.
 QString usageLine(const CliCommand& command);

@@ -25,9 +25,7 @@ int main(int argc, char** argv) {
     QCommandLineParser parser;
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     for (const CliOption& option : kGlobalOptions) {
-        parser.addOption(option.valueName.isEmpty()
-                             ? QCommandLineOption(option.name)
-                             : QCommandLineOption(option.name, option.help, option.valueName));
+        parser.addOption(cli::parserOption(option));
     }
     if (!parser.parse(app.arguments())) {
         QTextStream(stderr) << "brimsett-cli: " << parser.errorText() << "\n"
