@@ -1,4 +1,5 @@
 #include "screens/AnswerGrid.h"
+#include "screens/SlotGuard.h"
 
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -81,13 +82,13 @@ int fullWidth(const QTableWidget* grid) {
 QHBoxLayout* printAndClose(QWidget* window, const std::function<void()>& print) {
     auto* printButton = new QPushButton(QStringLiteral("&Print"), window);
     printButton->setObjectName(QStringLiteral("cmdPrint"));
-    QObject::connect(printButton, &QPushButton::clicked, window, print);
+    QObject::connect(printButton, &QPushButton::clicked, window, guarded(window, print));
     auto* close = new QPushButton(QStringLiteral("&Close"), window);
     close->setObjectName(QStringLiteral("cmdClose"));
     close->setToolTip(QStringLiteral("Esc"));
-    QObject::connect(close, &QPushButton::clicked, window, &QWidget::close);
+    QObject::connect(close, &QPushButton::clicked, window, guarded(window, &QWidget::close));
     QObject::connect(new QShortcut(QKeySequence(Qt::Key_Escape), window), &QShortcut::activated,
-                     window, &QWidget::close);
+                     window, guarded(window, &QWidget::close));
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -5,6 +5,7 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Money.h"
 #include "screens/CodeEditors.h"
+#include "screens/SlotGuard.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/frmManageCodes.h"
 #include "screens/frmOHIPCodes.h"
@@ -42,7 +43,7 @@ public:
             auto* screen =
                 new frmOHIPCodes(m_db, m_log, m_prompter, m_money, m_scheduleFolder, m_parent);
             connect(screen, &frmOHIPCodes::folderUsed, this,
-                    [this](const QString& folder) { m_scheduleFolder = folder; });
+                    guarded(this, [this](const QString& folder) { m_scheduleFolder = folder; }));
             return screen;
         });
         add(codetables::serviceCodesDirect().title, [this]() -> CodeTableEditor* {
@@ -72,7 +73,8 @@ public:
             titles << kThirdPartyTitle;
             m_list = new frmManageCodes(titles, m_parent);
             m_list->setAttribute(Qt::WA_DeleteOnClose);
-            connect(m_list, &frmManageCodes::chosen, this, &CodeScreenOpener::showEditor);
+            connect(m_list, &frmManageCodes::chosen, this,
+                    guarded(this, &CodeScreenOpener::showEditor));
         }
         bringForward(m_list);
     }

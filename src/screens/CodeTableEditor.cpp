@@ -4,6 +4,8 @@
 #include "foundation/UnsavedChanges.h"
 #include "screens/CodeTableModel.h"
 #include "screens/EnterMovesOn.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -75,7 +77,9 @@ QPushButton* button(QWidget* parent, const QString& text, const QString& keys) {
 
 CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const SqlLog& log,
                                  Prompter& prompter, const MoneyFormat& money, QWidget* parent)
-    : QDialog(parent), m_sheet(table, db, prompter, log, money), m_prompter(prompter) {
+    : QDialog(parent),
+      m_sheet(table, db, ScreenPrompter::attach(prompter, this), log, money),
+      m_prompter(ScreenPrompter::of(this)) {
     setWindowTitle(table.title + QStringLiteral("[*]"));
 
     m_find = new QLineEdit(this);
@@ -88,7 +92,7 @@ CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const Sql
     m_findDelay->setSingleShot(true);
     m_findDelay->setInterval(300);
     connect(m_find, &QLineEdit::textEdited, m_findDelay, qOverload<>(&QTimer::start));
-    connect(m_findDelay, &QTimer::timeout, this, &CodeTableEditor::findTyped);
+    connect(m_findDelay, &QTimer::timeout, this, guarded(this, &CodeTableEditor::findTyped));
     auto* findLabel = new QLabel(QStringLiteral("F&ind (F3):"), this);
     findLabel->setBuddy(m_find);
     m_count = new QLabel(this);
@@ -97,7 +101,7 @@ CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const Sql
         m_count->fontMetrics().horizontalAdvance(QStringLiteral("99,999 %1s").arg(table.rowWord)));
 
     m_model = new CodeTableModel(m_sheet, this);
-    connect(m_model, &CodeTableModel::edited, this, &CodeTableEditor::showState);
+    connect(m_model, &CodeTableModel::edited, this, guarded(this, &CodeTableEditor::showState));
     m_grid = new QTableView(this);
     m_grid->setModel(m_model);
     m_grid->setItemDelegate(new CellDelegate(table, m_grid));
@@ -116,19 +120,21 @@ CodeTableEditor::CodeTableEditor(const CodeTable& table, Database& db, const Sql
     auto* remove = button(this, QStringLiteral("&Delete"), QStringLiteral("Delete"));
     auto* saveButton = button(this, QStringLiteral("&Save"), QStringLiteral("Ctrl+S"));
     auto* close = button(this, QStringLiteral("Close"), QStringLiteral("Esc"));
-    connect(add, &QPushButton::clicked, this, &CodeTableEditor::addRow);
-    connect(remove, &QPushButton::clicked, this, &CodeTableEditor::removeSelectedRows);
-    connect(saveButton, &QPushButton::clicked, this, &CodeTableEditor::save);
-    connect(close, &QPushButton::clicked, this, &CodeTableEditor::reject);
+    connect(add, &QPushButton::clicked, this, guarded(this, &CodeTableEditor::addRow));
+    connect(remove, &QPushButton::clicked, this,
+            guarded(this, &CodeTableEditor::removeSelectedRows));
+    connect(saveButton, &QPushButton::clicked, this, guarded(this, &CodeTableEditor::save));
+    connect(close, &QPushButton::clicked, this, guarded(this, &CodeTableEditor::reject));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_N), this), &QShortcut::activated, this,
-            &CodeTableEditor::addRow);
+            guarded(this, &CodeTableEditor::addRow));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            &CodeTableEditor::save);
-    connect(new QShortcut(QKeySequence(Qt::Key_F3), this), &QShortcut::activated, this, [this] {
-        commitOpenCell();
-        m_find->setFocus();
-        m_find->selectAll();
-    });
+            guarded(this, &CodeTableEditor::save));
+    connect(new QShortcut(QKeySequence(Qt::Key_F3), this), &QShortcut::activated, this,
+            guarded(this, [this] {
+                commitOpenCell();
+                m_find->setFocus();
+                m_find->selectAll();
+            }));
 
     auto* findRow = new QHBoxLayout;
     findRow->addWidget(findLabel);

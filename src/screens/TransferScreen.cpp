@@ -5,6 +5,8 @@
 #include "foundation/Prompter.h"
 #include "foundation/SettingsStore.h"
 #include "patients/ProviderRegister.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -42,7 +44,7 @@ TransferScreen::TransferScreen(Database& db, AppSettings& settings, SettingsStor
       m_db(db),
       m_settings(settings),
       m_store(store),
-      m_prompter(prompter),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
       m_clock(clock),
       m_log(log),
       m_money(money),
@@ -55,7 +57,7 @@ TransferScreen::TransferScreen(Database& db, AppSettings& settings, SettingsStor
         m_folder += QLatin1Char('/');
     }
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
+            guarded(this, &QWidget::close));
 }
 
 QComboBox* TransferScreen::makeDoctorList(QWidget* parent) {
@@ -92,7 +94,8 @@ QComboBox* TransferScreen::makeMethodList(QWidget* parent) {
     m_method->setObjectName(QStringLiteral("cboMethod"));
     m_method->addItems(transferMethodNames());
     m_method->setCurrentIndex(std::clamp(m_settings.submitMethod, 0, 2));
-    connect(m_method, &QComboBox::currentIndexChanged, this, &TransferScreen::methodChanged);
+    connect(m_method, &QComboBox::currentIndexChanged, this,
+            guarded(this, &TransferScreen::methodChanged));
     return m_method;
 }
 

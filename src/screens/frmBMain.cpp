@@ -3,6 +3,8 @@
 #include "foundation/ActionRegistry.h"
 #include "foundation/AppSettings.h"
 #include "foundation/Prompter.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -82,7 +84,10 @@ int qtKeyOf(int code) {
 
 frmBMain::frmBMain(const QList<MenuEntry>& entries, const AppSettings& settings,
                    ActionRegistry& actions, Prompter& prompter, QWidget* parent)
-    : QMainWindow(parent), m_model(entries), m_actions(actions), m_prompter(prompter) {
+    : QMainWindow(parent),
+      m_model(entries),
+      m_actions(actions),
+      m_prompter(ScreenPrompter::attach(prompter, this)) {
     setWindowTitle(QStringLiteral("Brimsett"));
 
     auto* page = new QWidget(this);
@@ -182,11 +187,12 @@ void frmBMain::buildShortcuts() {
         auto* shortcut = new QShortcut(sequence, this);
         shortcut->setContext(Qt::WindowShortcut);
         shortcut->setAutoRepeat(false);
-        connect(shortcut, &QShortcut::activated, this, [this, combination] {
-            if (const auto entry = m_model.entryForKey(combination.first, combination.second)) {
-                runEntry(*entry);
-            }
-        });
+        connect(
+            shortcut, &QShortcut::activated, this, guarded(this, [this, combination] {
+                if (const auto entry = m_model.entryForKey(combination.first, combination.second)) {
+                    runEntry(*entry);
+                }
+            }));
     }
 }
 
@@ -208,7 +214,8 @@ void frmBMain::rebuildAccessShortcuts() {
         shortcut->setContext(Qt::WindowShortcut);
         shortcut->setAutoRepeat(false);
         const MenuEntry entry = e;
-        connect(shortcut, &QShortcut::activated, this, [this, entry] { runEntry(entry); });
+        connect(shortcut, &QShortcut::activated, this,
+                guarded(this, [this, entry] { runEntry(entry); }));
         m_accessShortcuts << shortcut;
     }
 }
@@ -263,7 +270,7 @@ void frmBMain::showSubMenu(int subMenu) {
             hintLayout->addWidget(hint);
         }
         button->installEventFilter(this);
-        connect(button, &QPushButton::clicked, this, [this, e] { runEntry(e); });
+        connect(button, &QPushButton::clicked, this, guarded(this, [this, e] { runEntry(e); }));
         m_listLayout->addWidget(button);
         button->show();  // at once, so that it can take the focus now
         m_buttons << button;

@@ -7,6 +7,7 @@
 #include "foundation/DateText.h"
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -99,7 +100,7 @@ frmClaimGrid::frmClaimGrid(ServiceCodeCell& cells, Pricing pricing, const AppSet
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     sizeColumns();
     keepSpareRows();
-    connect(this, &QTableWidget::itemChanged, this, &frmClaimGrid::cellEdited);
+    connect(this, &QTableWidget::itemChanged, this, guarded(this, &frmClaimGrid::cellEdited));
 }
 
 void frmClaimGrid::sizeColumns() {

@@ -8,6 +8,7 @@
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "screens/RecordList.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -63,7 +64,7 @@ frmClaimPending::frmClaimPending(Database& db, AppSettings& settings, Prompter& 
                           QStringLiteral("Service"), QStringLiteral("Diag"), QStringLiteral("NS"),
                           QStringLiteral("Fee"), QStringLiteral("ServDate")},
                          Patient);
-    m_list->setMinimumHeight(140);
+    m_list->setMinimumHeight(70);
     m_list->installEventFilter(this);
     for (int column : {Id, NS, Fee}) {
         m_list->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
@@ -74,17 +75,19 @@ frmClaimPending::frmClaimPending(Database& db, AppSettings& settings, Prompter& 
     auto* split = button(QStringLiteral("S&plit"));
     auto* reverse = button(QStringLiteral("&Reverse Split"));
     auto* resubmitButton = button(QStringLiteral("Res&ubmit..."));
-    connect(remove, &QPushButton::clicked, this, &frmClaimPending::deleteChosen);
-    connect(split, &QPushButton::clicked, this, &frmClaimPending::splitChosen);
-    connect(reverse, &QPushButton::clicked, this, &frmClaimPending::reverseSplits);
-    connect(resubmitButton, &QPushButton::clicked, this, &frmClaimPending::resubmit);
-    connect(m_list, &QTreeWidget::itemActivated, this, [this] {
-        if (const auto claim = chosenClaim()) {
-            emit openRequested(*claim);
-        }
-    });
-    connect(m_doctor, &QComboBox::currentIndexChanged, this, &frmClaimPending::reload);
-    connect(m_order, &QComboBox::currentIndexChanged, this, &frmClaimPending::reload);
+    connect(remove, &QPushButton::clicked, this, guarded(this, &frmClaimPending::deleteChosen));
+    connect(split, &QPushButton::clicked, this, guarded(this, &frmClaimPending::splitChosen));
+    connect(reverse, &QPushButton::clicked, this, guarded(this, &frmClaimPending::reverseSplits));
+    connect(resubmitButton, &QPushButton::clicked, this, guarded(this, &frmClaimPending::resubmit));
+    connect(m_list, &QTreeWidget::itemActivated, this, guarded(this, [this] {
+                if (const auto claim = chosenClaim()) {
+                    emit openRequested(*claim);
+                }
+            }));
+    connect(m_doctor, &QComboBox::currentIndexChanged, this,
+            guarded(this, &frmClaimPending::reload));
+    connect(m_order, &QComboBox::currentIndexChanged, this,
+            guarded(this, &frmClaimPending::reload));
 
     auto* top = new QHBoxLayout;
     top->addWidget(doctorLabel);

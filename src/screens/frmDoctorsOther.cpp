@@ -8,6 +8,8 @@
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
 #include "screens/RecordList.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -33,8 +35,8 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
     : QDialog(parent),
       m_db(db),
       m_settings(settings),
-      m_prompter(prompter),
-      m_register(db, prompter, log) {
+      m_prompter(ScreenPrompter::attach(prompter, this)),
+      m_register(db, m_prompter, log) {
     setWindowTitle(QStringLiteral("Referring Doctors"));
     m_enter = new EnterMovesOn(this);
 
@@ -43,13 +45,14 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
     m_find->setPlaceholderText(QStringLiteral("Last name, \"last, first\" or billing number"));
     m_find->setClearButtonEnabled(true);
     m_enter->watch(m_find);
-    connect(m_find, &QLineEdit::textChanged, this, &frmDoctorsOther::search);
+    connect(m_find, &QLineEdit::textChanged, this, guarded(this, &frmDoctorsOther::search));
 
     m_list = recordlist::make(
         this, {QStringLiteral("Billing No."), QStringLiteral("Name"), QStringLiteral("City")}, 1);
     m_list->setMinimumWidth(340);
     m_enter->watch(m_list);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmDoctorsOther::listRowChanged);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, &frmDoctorsOther::listRowChanged));
     m_more = new QLabel(QStringLiteral("More doctors match: type more of the name."), this);
     m_more->setVisible(false);
 
@@ -69,10 +72,10 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
     auto* save = new QPushButton(QStringLiteral("&Save"), this);
     auto* remove = new QPushButton(QStringLiteral("&Delete"), this);
     auto* close = new QPushButton(QStringLiteral("Close"), this);
-    connect(add, &QPushButton::clicked, this, &frmDoctorsOther::newClicked);
-    connect(save, &QPushButton::clicked, this, &frmDoctorsOther::saveClicked);
-    connect(remove, &QPushButton::clicked, this, &frmDoctorsOther::deleteClicked);
-    connect(close, &QPushButton::clicked, this, &frmDoctorsOther::reject);
+    connect(add, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::newClicked));
+    connect(save, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::saveClicked));
+    connect(remove, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::deleteClicked));
+    connect(close, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::reject));
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(add);
     buttons->addWidget(save);
@@ -161,11 +164,11 @@ void frmDoctorsOther::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*)
     }
     // Saving may rebuild the list, which must not happen inside the list's own signal.
     const QString target = current->data(0, recordlist::kKeyRole).toString();
-    QTimer::singleShot(0, this, [this, target] {
-        if (target != m_savedNum && !showNumber(target)) {
-            selectInList(m_savedNum);
-        }
-    });
+    QTimer::singleShot(0, this, guarded(this, [this, target] {
+                           if (target != m_savedNum && !showNumber(target)) {
+                               selectInList(m_savedNum);
+                           }
+                       }));
 }
 
 bool frmDoctorsOther::showNumber(const QString& providerNum) {

@@ -8,6 +8,8 @@
 #include "patients/ProviderRegister.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -37,16 +39,16 @@ frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter
     : QDialog(parent),
       m_db(db),
       m_settings(settings),
-      m_prompter(prompter),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
       m_log(log),
-      m_params(db, prompter, clock, log, officeFolder + EdtPasswordSeal::kKeyFileName) {
+      m_params(db, m_prompter, clock, log, officeFolder + EdtPasswordSeal::kKeyFileName) {
     setWindowTitle(kTitle);
     auto* enter = new EnterMovesOn(this);
 
     m_list = recordlist::make(this, {"ID", "Provider", "User ID"}, 1);
     m_list->setMinimumWidth(360);
     connect(m_list, &QTreeWidget::currentItemChanged, this,
-            [this](QTreeWidgetItem* current) { listRowChanged(current); });
+            guarded(this, [this](QTreeWidgetItem* current) { listRowChanged(current); }));
 
     QWidget* login = loginPanel();
     QWidget* general = generalPanel();
@@ -62,10 +64,10 @@ frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter
     for (QPushButton* button : {save, close}) {
         button->setAutoDefault(false);
     }
-    connect(save, &QPushButton::clicked, this, &frmEDTSetup::saveClicked);
-    connect(close, &QPushButton::clicked, this, &frmEDTSetup::reject);
+    connect(save, &QPushButton::clicked, this, guarded(this, &frmEDTSetup::saveClicked));
+    connect(close, &QPushButton::clicked, this, guarded(this, &frmEDTSetup::reject));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            &frmEDTSetup::saveClicked);
+            guarded(this, &frmEDTSetup::saveClicked));
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(save);
@@ -200,7 +202,7 @@ void frmEDTSetup::listRowChanged(QTreeWidgetItem* current) {
     }
     // The question about unsaved changes must not be asked inside the list's own signal.
     const QString target = current->text(0);
-    QTimer::singleShot(0, this, [this, target] { showDoctor(target); });
+    QTimer::singleShot(0, this, guarded(this, [this, target] { showDoctor(target); }));
 }
 
 QMap<QChar, QString> frmEDTSetup::generalFromFields() const {

@@ -1,4 +1,6 @@
 #include "screens/frmLogin.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -8,7 +10,7 @@
 namespace brimsett {
 
 frmLogin::frmLogin(AccessLevels& levels, Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_actions(levels, prompter) {
+    : QDialog(parent), m_actions(levels, ScreenPrompter::attach(prompter, this)) {
     setWindowTitle(QStringLiteral("Login"));
 
     m_password = new QLineEdit(this);
@@ -18,8 +20,8 @@ frmLogin::frmLogin(AccessLevels& levels, Prompter& prompter, QWidget* parent)
     form->addRow(QStringLiteral("&Password:"), m_password);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &frmLogin::tryLogin);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::accepted, this, guarded(this, &frmLogin::tryLogin));
+    connect(buttons, &QDialogButtonBox::rejected, this, guarded(this, &QDialog::reject));
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);

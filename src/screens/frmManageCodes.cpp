@@ -1,4 +1,5 @@
 #include "screens/frmManageCodes.h"
+#include "screens/SlotGuard.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -16,7 +17,7 @@ frmManageCodes::frmManageCodes(const QStringList& titles, QWidget* parent) : QDi
     const QFontMetrics metrics(m_list->font());
     m_list->setMinimumHeight(int(titles.size()) * (metrics.height() + 6) + 8);
     connect(m_list, &QListWidget::itemActivated, this,
-            [this](QListWidgetItem* item) { choose(m_list->row(item)); });
+            guarded(this, [this](QListWidgetItem* item) { choose(m_list->row(item)); }));
 
     auto* hint = new QLabel(QStringLiteral("Choose a table and press Enter."), this);
     auto* buttons = new QDialogButtonBox(this);
@@ -24,8 +25,9 @@ frmManageCodes::frmManageCodes(const QStringList& titles, QWidget* parent) : QDi
     QPushButton* close = buttons->addButton(QDialogButtonBox::Close);
     open->setAutoDefault(false);
     close->setAutoDefault(false);
-    connect(open, &QPushButton::clicked, this, [this] { choose(m_list->currentRow()); });
-    connect(close, &QPushButton::clicked, this, &QDialog::reject);
+    connect(open, &QPushButton::clicked, this,
+            guarded(this, [this] { choose(m_list->currentRow()); }));
+    connect(close, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(hint);

@@ -2,6 +2,7 @@
 
 #include "claims/SobImport.h"
 #include "foundation/Prompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QBoxLayout>
 #include <QFileDialog>
@@ -27,9 +28,9 @@ frmOHIPCodes::frmOHIPCodes(Database& db, const SqlLog& log, Prompter& prompter,
     auto* update = new QPushButton(QStringLiteral("&Update Fee Schedules..."), this);
     update->setToolTip(QStringLiteral("Ctrl+U: import the ministry's schedule of benefits file"));
     update->setAutoDefault(false);
-    connect(update, &QPushButton::clicked, this, &frmOHIPCodes::chooseScheduleFile);
+    connect(update, &QPushButton::clicked, this, guarded(this, &frmOHIPCodes::chooseScheduleFile));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_U), this), &QShortcut::activated, this,
-            &frmOHIPCodes::chooseScheduleFile);
+            guarded(this, &frmOHIPCodes::chooseScheduleFile));
     // Beside the editing buttons, before the stretch that pushes Close to the right.
     buttonRow()->insertSpacing(3, 24);
     buttonRow()->insertWidget(4, update);

@@ -2,6 +2,8 @@
 
 #include "foundation/OptionCaptions.h"
 #include "screens/ClaimOptionsPage.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -55,7 +57,10 @@ QComboBox* choiceBox(const QStringList& choices, int chosen, QWidget* parent) {
 
 frmOptions::frmOptions(const AppSettings& settings, SettingsStore& store, Database& db,
                        Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_editor(settings, db, prompter), m_saved(settings), m_store(store) {
+    : QDialog(parent),
+      m_editor(settings, db, ScreenPrompter::attach(prompter, this)),
+      m_saved(settings),
+      m_store(store) {
     setWindowTitle(QStringLiteral("Options"));
     auto* layout = new QVBoxLayout(this);
     m_tabs = new QTabWidget(this);
@@ -68,8 +73,8 @@ frmOptions::frmOptions(const AppSettings& settings, SettingsStore& store, Databa
     m_tabs->addTab(systemPage(), QStringLiteral("System"));
     layout->addWidget(m_tabs);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &frmOptions::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &frmOptions::reject);
+    connect(buttons, &QDialogButtonBox::accepted, this, guarded(this, &frmOptions::accept));
+    connect(buttons, &QDialogButtonBox::rejected, this, guarded(this, &frmOptions::reject));
     layout->addWidget(buttons);
 }
 
@@ -200,7 +205,7 @@ QWidget* frmOptions::systemPage() {
 
     // The level passwords are kept per computer like the options, so they are reached here.
     auto* passwords = new QPushButton(QStringLiteral("Pass&words..."), page);
-    connect(passwords, &QPushButton::clicked, this, &frmOptions::passwordsRequested);
+    connect(passwords, &QPushButton::clicked, this, guarded(this, &frmOptions::passwordsRequested));
     layout->addWidget(passwords, 0, Qt::AlignLeft);
     layout->addStretch(1);
     return page;
@@ -225,13 +230,14 @@ QWidget* frmOptions::pathRow(QLineEdit* edit) {
     layout->addWidget(edit, 1);
     auto* browse = new QPushButton(QStringLiteral("Browse..."), row);
     browse->setAutoDefault(false);
-    connect(browse, &QPushButton::clicked, this, [this, edit] {
-        const QString folder = QFileDialog::getExistingDirectory(
-            this, QStringLiteral("Database folder"), edit->text());
-        if (!folder.isEmpty()) {
-            edit->setText(folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/'));
-        }
-    });
+    connect(browse, &QPushButton::clicked, this, guarded(this, [this, edit] {
+                const QString folder = QFileDialog::getExistingDirectory(
+                    this, QStringLiteral("Database folder"), edit->text());
+                if (!folder.isEmpty()) {
+                    edit->setText(folder.endsWith(QLatin1Char('/')) ? folder
+                                                                    : folder + QLatin1Char('/'));
+                }
+            }));
     layout->addWidget(browse);
     return row;
 }

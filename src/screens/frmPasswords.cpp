@@ -1,6 +1,8 @@
 #include "screens/frmPasswords.h"
 
 #include "foundation/AccessLevels.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -22,7 +24,7 @@ QLineEdit* passwordField(QWidget* parent) {
 }  // namespace
 
 frmPasswords::frmPasswords(AccessLevels& levels, Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_actions(levels, prompter) {
+    : QDialog(parent), m_actions(levels, ScreenPrompter::attach(prompter, this)) {
     setWindowTitle(QStringLiteral("Passwords"));
 
     m_level = new QComboBox(this);
@@ -45,11 +47,11 @@ frmPasswords::frmPasswords(AccessLevels& levels, Prompter& prompter, QWidget* pa
 
     auto* change = new QPushButton(QStringLiteral("&Change"), this);
     auto* remove = new QPushButton(QStringLiteral("&Remove"), this);
-    auto* close = new QPushButton(QStringLiteral("C&lose"), this);
+    auto* close = new QPushButton(QStringLiteral("Cl&ose"), this);
     change->setDefault(true);
-    connect(change, &QPushButton::clicked, this, &frmPasswords::changeClicked);
-    connect(remove, &QPushButton::clicked, this, &frmPasswords::removeClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::reject);
+    connect(change, &QPushButton::clicked, this, guarded(this, &frmPasswords::changeClicked));
+    connect(remove, &QPushButton::clicked, this, guarded(this, &frmPasswords::removeClicked));
+    connect(close, &QPushButton::clicked, this, guarded(this, &QDialog::reject));
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -13,6 +13,8 @@
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
 #include "screens/ReportPreview.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -50,7 +52,7 @@ frmPrepare::frmPrepare(Database& db, AppSettings& settings, SettingsStore& store
                        QString officeFolder, QWidget* parent)
     : TransferScreen(db, settings, store, prompter, clock, log, money, std::move(officeFolder),
                      parent),
-      m_batches(db, prompter, log) {
+      m_batches(db, ScreenPrompter::of(this), log) {
     setWindowTitle(kTitle);
 
     // Created in the order Tab (and Enter) should follow.
@@ -107,7 +109,7 @@ QWidget* frmPrepare::buildPreparePanel() {
     m_cmdStart = button(panel, QStringLiteral("cmdStart"), QStringLiteral("&Prepare Claim File"),
                         QStringLiteral("Writes the pending claims into a new claim file"));
     m_cmdStart->setAutoDefault(true);  // Enter on it presses it
-    connect(m_cmdStart, &QPushButton::clicked, this, &frmPrepare::startClicked);
+    connect(m_cmdStart, &QPushButton::clicked, this, guarded(this, &frmPrepare::startClicked));
     m_progress = new QLabel(panel);
     m_progress->setObjectName(QStringLiteral("lblProgress"));
     m_progress->setMinimumWidth(
@@ -169,10 +171,11 @@ QWidget* frmPrepare::buildBatchPanel() {
     m_list->setObjectName(QStringLiteral("lstBatches"));
     m_list->headerItem()->setTextAlignment(CountsColumn, Qt::AlignRight | Qt::AlignVCenter);
     m_list->headerItem()->setTextAlignment(TotalColumn, Qt::AlignRight | Qt::AlignVCenter);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmPrepare::updateButtons);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, &frmPrepare::updateButtons));
     auto* listDelete = new QShortcut(QKeySequence(Qt::Key_Delete), m_list);
     listDelete->setContext(Qt::WidgetShortcut);
-    connect(listDelete, &QShortcut::activated, this, &frmPrepare::deleteClicked);
+    connect(listDelete, &QShortcut::activated, this, guarded(this, &frmPrepare::deleteClicked));
 
     m_cmdSummary = button(panel, QStringLiteral("cmdSummary"), QStringLiteral("Print Su&mmary"),
                           QStringLiteral("The submission summary of the batch's claim file"));
@@ -184,23 +187,24 @@ QWidget* frmPrepare::buildBatchPanel() {
     m_cmdDelete =
         button(panel, QStringLiteral("cmdDeleteBatch"), QStringLiteral("De&lete Batch Record"),
                QStringLiteral("Removes the batch from the list; its claims stay in it (Delete)"));
-    connect(m_cmdSummary, &QPushButton::clicked, this, &frmPrepare::summaryClicked);
-    connect(m_cmdClaims, &QPushButton::clicked, this, &frmPrepare::claimsClicked);
-    connect(m_cmdReverse, &QPushButton::clicked, this, &frmPrepare::reverseClicked);
-    connect(m_cmdDelete, &QPushButton::clicked, this, &frmPrepare::deleteClicked);
+    connect(m_cmdSummary, &QPushButton::clicked, this, guarded(this, &frmPrepare::summaryClicked));
+    connect(m_cmdClaims, &QPushButton::clicked, this, guarded(this, &frmPrepare::claimsClicked));
+    connect(m_cmdReverse, &QPushButton::clicked, this, guarded(this, &frmPrepare::reverseClicked));
+    connect(m_cmdDelete, &QPushButton::clicked, this, guarded(this, &frmPrepare::deleteClicked));
 
     auto* methodLabel = labelFor(makeMethodList(panel), QStringLiteral("Met&hod:"), panel);
     m_cmdSubmit = button(panel, QStringLiteral("cmdSubmit"), QStringLiteral("S&ubmit"),
                          QStringLiteral("Hands the batch's claim file to the ministry"));
-    connect(m_cmdSubmit, &QPushButton::clicked, this, &frmPrepare::submitClicked);
+    connect(m_cmdSubmit, &QPushButton::clicked, this, guarded(this, &frmPrepare::submitClicked));
     // The transfer logins are set up where they are used.
     auto* setup = button(panel, QStringLiteral("cmdEDTSetup"), QStringLiteral("EDT Se&tup..."));
-    connect(setup, &QPushButton::clicked, this, [this] {
-        openEdtSetup(m_db, m_settings, m_prompter, m_clock, m_log, m_folder, this, doctorId());
-    });
+    connect(setup, &QPushButton::clicked, this, guarded(this, [this] {
+                openEdtSetup(m_db, m_settings, m_prompter, m_clock, m_log, m_folder, this,
+                             doctorId());
+            }));
     auto* close =
         button(panel, QStringLiteral("cmdClose"), QStringLiteral("Close"), QStringLiteral("Esc"));
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
+    connect(close, &QPushButton::clicked, this, guarded(this, &QWidget::close));
 
     auto* side = new QVBoxLayout;
     side->addWidget(m_cmdSummary);

@@ -11,6 +11,7 @@
 #include "screens/AnswerGrid.h"
 #include "screens/BusyParts.h"
 #include "screens/RecordList.h"
+#include "screens/SlotGuard.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -54,7 +55,7 @@ frmReceive::frmReceive(Database& db, AppSettings& settings, SettingsStore& store
     QLabel* status = makeStatusLine();
     auto* close =
         button(this, QStringLiteral("cmdClose"), QStringLiteral("&Close"), QStringLiteral("Esc"));
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
+    connect(close, &QPushButton::clicked, this, guarded(this, &QWidget::close));
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(status, 1);
@@ -67,7 +68,8 @@ frmReceive::frmReceive(Database& db, AppSettings& settings, SettingsStore& store
 
     loadDoctors(m_settings.lastDoctorReconcile);
     // Connected after loading: only the user's choice is remembered.
-    connect(m_doctor, &QComboBox::currentIndexChanged, this, &frmReceive::doctorChanged);
+    connect(m_doctor, &QComboBox::currentIndexChanged, this,
+            guarded(this, &frmReceive::doctorChanged));
     reloadFiles();
     resize(860, 640);
     m_list->setFocus();
@@ -80,7 +82,7 @@ QWidget* frmReceive::buildFetchRow() {
 
     m_cmdReceive = button(panel, QStringLiteral("cmdReceive"), QStringLiteral("Recei&ve"),
                           QStringLiteral("Fetches the files the ministry has for the doctor"));
-    connect(m_cmdReceive, &QPushButton::clicked, this, &frmReceive::receiveClicked);
+    connect(m_cmdReceive, &QPushButton::clicked, this, guarded(this, &frmReceive::receiveClicked));
 
     auto* row = new QHBoxLayout(panel);
     row->addWidget(doctorLabel);
@@ -100,12 +102,13 @@ QWidget* frmReceive::buildFilePanel() {
         {QStringLiteral("File Name"), QStringLiteral("Provider"), QStringLiteral("Date")},
         DateColumn);
     m_list->setObjectName(QStringLiteral("lstFiles"));
-    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmReceive::updateButtons);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, &frmReceive::updateButtons));
     // Enter (or a double click) on a file reads it.
-    connect(m_list, &QTreeWidget::itemActivated, this, &frmReceive::LoadData);
+    connect(m_list, &QTreeWidget::itemActivated, this, guarded(this, &frmReceive::LoadData));
     auto* listDelete = new QShortcut(QKeySequence(Qt::Key_Delete), m_list);
     listDelete->setContext(Qt::WidgetShortcut);
-    connect(listDelete, &QShortcut::activated, this, &frmReceive::deleteClicked);
+    connect(listDelete, &QShortcut::activated, this, guarded(this, &frmReceive::deleteClicked));
 
     m_cmdRead = button(m_filePanel, QStringLiteral("cmdRead"), QStringLiteral("&Read"),
                        QStringLiteral("Reads the file and shows its report (Enter)"));
@@ -115,17 +118,18 @@ QWidget* frmReceive::buildFilePanel() {
                          QStringLiteral("Deletes the file (Delete)"));
     auto* refresh = button(m_filePanel, QStringLiteral("cmdRefresh"), QStringLiteral("Re&fresh"),
                            QStringLiteral("Lists the folder again"));
-    connect(m_cmdRead, &QPushButton::clicked, this, &frmReceive::LoadData);
-    connect(m_cmdEdit, &QPushButton::clicked, this, &frmReceive::editClicked);
-    connect(m_cmdDelete, &QPushButton::clicked, this, &frmReceive::deleteClicked);
-    connect(refresh, &QPushButton::clicked, this, [this] { reloadFiles(); });
+    connect(m_cmdRead, &QPushButton::clicked, this, guarded(this, &frmReceive::LoadData));
+    connect(m_cmdEdit, &QPushButton::clicked, this, guarded(this, &frmReceive::editClicked));
+    connect(m_cmdDelete, &QPushButton::clicked, this, guarded(this, &frmReceive::deleteClicked));
+    connect(refresh, &QPushButton::clicked, this, guarded(this, [this] { reloadFiles(); }));
 
     // "WILL" is the normal run; the label says which the next reading does.
     m_reconcile = new QCheckBox(m_filePanel);
     m_reconcile->setObjectName(QStringLiteral("chkReconcile"));
     m_reconcile->setChecked(true);
     m_reconcile->setToolTip(QStringLiteral("Off: the file is only checked and printed"));
-    connect(m_reconcile, &QCheckBox::toggled, this, &frmReceive::showReconcileChoice);
+    connect(m_reconcile, &QCheckBox::toggled, this,
+            guarded(this, &frmReceive::showReconcileChoice));
     showReconcileChoice();
     m_progress = new QLabel(m_filePanel);
     m_progress->setObjectName(QStringLiteral("lblProgress"));

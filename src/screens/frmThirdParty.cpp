@@ -5,6 +5,8 @@
 #include "foundation/UnsavedChanges.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -65,7 +67,9 @@ QString listKey(qint64 id) {
 }  // namespace
 
 frmThirdParty::frmThirdParty(Database& db, Prompter& prompter, const SqlLog& log, QWidget* parent)
-    : QDialog(parent), m_prompter(prompter), m_register(db, prompter, log) {
+    : QDialog(parent),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
+      m_register(db, m_prompter, log) {
     setWindowTitle(QStringLiteral("Third Party"));
     m_enter = new EnterMovesOn(this);
 
@@ -74,7 +78,8 @@ frmThirdParty::frmThirdParty(Database& db, Prompter& prompter, const SqlLog& log
         this, {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Contact Person")}, 1);
     m_list->setMinimumWidth(380);
     m_enter->watch(m_list);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmThirdParty::listRowChanged);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, &frmThirdParty::listRowChanged));
 
     QWidget* fields = fieldsPanel();
 
@@ -88,12 +93,12 @@ frmThirdParty::frmThirdParty(Database& db, Prompter& prompter, const SqlLog& log
     for (QPushButton* button : {add, save, remove, close}) {
         button->setAutoDefault(false);
     }
-    connect(add, &QPushButton::clicked, this, &frmThirdParty::newClicked);
-    connect(save, &QPushButton::clicked, this, &frmThirdParty::saveClicked);
-    connect(remove, &QPushButton::clicked, this, &frmThirdParty::deleteClicked);
-    connect(close, &QPushButton::clicked, this, &frmThirdParty::reject);
+    connect(add, &QPushButton::clicked, this, guarded(this, &frmThirdParty::newClicked));
+    connect(save, &QPushButton::clicked, this, guarded(this, &frmThirdParty::saveClicked));
+    connect(remove, &QPushButton::clicked, this, guarded(this, &frmThirdParty::deleteClicked));
+    connect(close, &QPushButton::clicked, this, guarded(this, &frmThirdParty::reject));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            &frmThirdParty::saveClicked);
+            guarded(this, &frmThirdParty::saveClicked));
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(add);
     buttons->addWidget(save);
@@ -137,16 +142,17 @@ QWidget* frmThirdParty::fieldsPanel() {
         }
     }
     connect(m_lines.value(Field::City), &QLineEdit::editingFinished, this,
-            &frmThirdParty::cityLeft);
+            guarded(this, &frmThirdParty::cityLeft));
     // Shown as they will be stored ("ON", "K1P 5N2") once the user moves on.
     for (Field f : {Field::Province, Field::PostalCode}) {
         QLineEdit* line = m_lines.value(f);
-        connect(line, &QLineEdit::editingFinished, this,
-                [this, line, f] { line->setText(fromFields().normalised().value(f)); });
+        connect(line, &QLineEdit::editingFinished, this, guarded(this, [this, line, f] {
+                    line->setText(fromFields().normalised().value(f));
+                }));
     }
     // Province and postal code are mandatory only for a Canadian address.
     connect(m_lines.value(Field::Country), &QLineEdit::textChanged, this,
-            &frmThirdParty::markMandatory);
+            guarded(this, &frmThirdParty::markMandatory));
     auto* legend = new QLabel(QStringLiteral("* must be filled in"), panel);
     legend->setEnabled(false);
     form->addRow(QString(), legend);
@@ -194,11 +200,11 @@ void frmThirdParty::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*) {
     }
     // Saving may rebuild the list, which must not happen inside the list's own signal.
     const qint64 target = current->data(0, recordlist::kKeyRole).toLongLong();
-    QTimer::singleShot(0, this, [this, target] {
-        if (target != m_savedId && !showPayer(target)) {
-            recordlist::select(m_list, listKey(m_savedId));
-        }
-    });
+    QTimer::singleShot(0, this, guarded(this, [this, target] {
+                           if (target != m_savedId && !showPayer(target)) {
+                               recordlist::select(m_list, listKey(m_savedId));
+                           }
+                       }));
 }
 
 bool frmThirdParty::showPayer(qint64 id) {
