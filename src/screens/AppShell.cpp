@@ -6,6 +6,7 @@
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
+#include "screens/SlotGuard.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/TransferScreens.h"
 #include "screens/frmBMain.h"
@@ -76,7 +77,7 @@ bool AppShell::start() {
     }
     m_main = std::make_unique<frmBMain>(menu, m_session.settings, m_registry, m_prompter);
     m_prompter.setParent(m_main.get());
-    connect(m_main.get(), &frmBMain::shuttingDown, this, &AppShell::shutDown);
+    connect(m_main.get(), &frmBMain::shuttingDown, this, guarded(this, &AppShell::shutDown));
     m_sqlLog.setOn(m_session.settings.sqlLogOn());
     registerScreens();
 
@@ -121,11 +122,11 @@ void AppShell::registerFoundationActions() {
 }
 
 void AppShell::registerScreens() {
-    m_patients = std::make_unique<PatientScreens>(*m_session.db, m_session.settings, m_prompter,
-                                                  m_clock, m_sqlLog, m_main.get());
+    m_patients = std::make_unique<PatientScreens>(*m_session.db, m_session.settings, m_store,
+                                                  m_prompter, m_clock, m_sqlLog, m_main.get());
     m_patients->registerIn(m_registry);
-    registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
-                            m_main.get());
+    registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
+                            m_prompter, m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());
     registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
@@ -141,7 +142,8 @@ void AppShell::openOptions() {
         return;
     }
     frmOptions options(m_session.settings, m_store, *m_session.db, m_prompter, m_main.get());
-    connect(&options, &frmOptions::passwordsRequested, this, &AppShell::openPasswords);
+    connect(&options, &frmOptions::passwordsRequested, this,
+            guarded(this, &AppShell::openPasswords));
     if (options.exec() == QDialog::Accepted) {
         m_session.settings = options.settings();
         m_main->applySettings(m_session.settings);

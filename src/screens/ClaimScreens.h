@@ -16,9 +16,10 @@ struct MoneyFormat;
 // Menu action 1 ("Claims") opens frmClaim: made on first use, brought forward after. The
 // claim entry options are read from the store each time the window is made, so a change on
 // the options screen shows the next time claims are opened. The window belongs to parent, so
-// closing the main menu closes it (asking about unsaved changes).
+// closing the main menu closes it (asking about unsaved changes). It opens where it was last
+// left (the store's "Windows" section).
 void registerClaimScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
-                         const SettingsStore& store, Prompter& prompter, const Clock& clock,
+                         SettingsStore& store, Prompter& prompter, const Clock& clock,
                          const SqlLog& log, const MoneyFormat& money, QWidget* parent);
 
 }  // namespace brimsett

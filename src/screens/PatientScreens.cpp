@@ -1,6 +1,7 @@
 #include "screens/PatientScreens.h"
 
 #include "foundation/ActionRegistry.h"
+#include "screens/WindowPlace.h"
 #include "screens/frmPatients.h"
 
 namespace brimsett {
@@ -12,10 +13,12 @@ const QString kNotFound = QStringLiteral("NOT FOUND");
 
 }  // namespace
 
-PatientScreens::PatientScreens(Database& db, const AppSettings& settings, Prompter& prompter,
-                               const Clock& clock, const SqlLog& log, QWidget* owner)
+PatientScreens::PatientScreens(Database& db, const AppSettings& settings, SettingsStore& store,
+                               Prompter& prompter, const Clock& clock, const SqlLog& log,
+                               QWidget* owner)
     : m_db(db),
       m_settings(settings),
+      m_store(store),
       m_prompter(prompter),
       m_clock(clock),
       m_log(log),
@@ -40,6 +43,7 @@ frmPatients& PatientScreens::show() {
         // A top-level window of its own: the main menu stays usable beside it.
         m_window = new frmPatients(m_db, m_settings, m_prompter, m_clock, m_log, m_owner);
         m_window->setAttribute(Qt::WA_DeleteOnClose);
+        windowplace::remember(m_window, m_store, QStringLiteral("frmPatients"));
     }
     m_window->show();
     m_window->raise();

@@ -11,6 +11,7 @@ class ActionRegistry;
 class Clock;
 class Database;
 class Prompter;
+class SettingsStore;
 class SqlLog;
 class frmPatients;
 struct AppSettings;
@@ -26,8 +27,9 @@ class PatientScreens : public QObject {
     Q_OBJECT
 
 public:
-    PatientScreens(Database& db, const AppSettings& settings, Prompter& prompter,
-                   const Clock& clock, const SqlLog& log, QWidget* owner);
+    // The window opens where it was last left (the store's "Windows" section).
+    PatientScreens(Database& db, const AppSettings& settings, SettingsStore& store,
+                   Prompter& prompter, const Clock& clock, const SqlLog& log, QWidget* owner);
     ~PatientScreens() override;
 
     void registerIn(ActionRegistry& registry);
@@ -40,6 +42,7 @@ private:
 
     Database& m_db;
     const AppSettings& m_settings;
+    SettingsStore& m_store;
     Prompter& m_prompter;
     const Clock& m_clock;
     const SqlLog& m_log;

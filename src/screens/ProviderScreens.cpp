@@ -3,6 +3,8 @@
 #include "foundation/ActionRegistry.h"
 #include "patients/HealthNumbers.h"
 #include "patients/ProviderRegister.h"
+#include "screens/SlotGuard.h"
+#include "screens/WindowPlace.h"
 #include "screens/frmDoctors.h"
 #include "screens/frmDoctorsOther.h"
 
@@ -20,11 +22,12 @@ constexpr int kActionProviders = 11;
 // Opens each provider screen once and brings it forward when it is asked for again.
 class ProviderScreenOpener : public QObject {
 public:
-    ProviderScreenOpener(Database& db, AppSettings& settings, const SqlLog& log, Prompter& prompter,
-                         QWidget* parent)
+    ProviderScreenOpener(Database& db, AppSettings& settings, SettingsStore& store,
+                         const SqlLog& log, Prompter& prompter, QWidget* parent)
         : QObject(parent),
           m_db(db),
           m_settings(settings),
+          m_store(store),
           m_log(log),
           m_prompter(prompter),
           m_parent(parent) {}
@@ -33,8 +36,9 @@ public:
         if (!m_doctors) {
             m_doctors = new frmDoctors(m_db, m_settings, m_log, m_prompter, m_parent);
             m_doctors->setAttribute(Qt::WA_DeleteOnClose);
+            windowplace::remember(m_doctors, m_store, QStringLiteral("frmDoctors"));
             connect(m_doctors, &frmDoctors::referringDoctorsRequested, this,
-                    [this] { bringForward(referringDoctors()); });
+                    guarded(this, [this] { bringForward(referringDoctors()); }));
         }
         bringForward(m_doctors);
         return m_doctors;
@@ -63,6 +67,7 @@ private:
 
     Database& m_db;
     AppSettings& m_settings;
+    SettingsStore& m_store;
     const SqlLog& m_log;
     Prompter& m_prompter;
     QWidget* m_parent;
@@ -75,8 +80,9 @@ const QString kNotFound = QStringLiteral("NOT FOUND");
 }  // namespace
 
 void registerProviderScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
-                             const SqlLog& log, Prompter& prompter, QWidget* parent) {
-    auto* opener = new ProviderScreenOpener(db, settings, log, prompter, parent);
+                             SettingsStore& store, const SqlLog& log, Prompter& prompter,
+                             QWidget* parent) {
+    auto* opener = new ProviderScreenOpener(db, settings, store, log, prompter, parent);
     registry.setAction(kActionProviders, QStringLiteral("Providers"),
                        [opener] { opener->doctors(); });
     registry.setCommand(QStringLiteral("DOCTOR"), [opener](const QString& id) {

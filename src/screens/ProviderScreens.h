@@ -14,6 +14,7 @@ namespace brimsett {
 class ActionRegistry;
 class Database;
 class Prompter;
+class SettingsStore;
 class SqlLog;
 struct AppSettings;
 
@@ -25,8 +26,10 @@ struct AppSettings;
 //                     number, or on a new one with the number filled in: "OK"; a number that
 //                     is not 6 digits opens nothing: "BAD NUMBER"
 // Each screen is opened once and brought forward when asked again; both belong to parent.
+// frmDoctors opens where it was last left (the store's "Windows" section).
 void registerProviderScreens(ActionRegistry& registry, Database& db, AppSettings& settings,
-                             const SqlLog& log, Prompter& prompter, QWidget* parent);
+                             SettingsStore& store, const SqlLog& log, Prompter& prompter,
+                             QWidget* parent);
 
 // What the provider screens share: code boxes and the Enter key.
 namespace providerscreens {

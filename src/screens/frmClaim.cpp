@@ -12,6 +12,8 @@
 #include "ministry/ThirdPartyRegister.h"
 #include "patients/HealthNumbers.h"
 #include "patients/ProviderRegister.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 #include "screens/ThirdPartyScreens.h"
 #include "screens/frmClaimGrid.h"
 #include "screens/frmClaimPending.h"
@@ -37,13 +39,13 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
       m_db(db),
       m_settings(settings),
       m_options(options),
-      m_prompter(prompter),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
       m_clock(clock),
       m_log(log),
       m_money(money),
       m_actions(actions),
       m_cells(db, options, money),
-      m_register(db, settings, prompter, clock, log),
+      m_register(db, settings, m_prompter, clock, log),
       m_search(db, settings) {
     setWindowTitle(kTitle);
     auto* top = new QWidget;
@@ -57,10 +59,11 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
                                                                  : QString());
                                },
                                [this] { return specialty(); }},
-                              settings, clock, prompter, money);
-    m_grid->setMinimumHeight(m_grid->verticalHeader()->defaultSectionSize() * 6);
+                              settings, clock, m_prompter, money);
+    // Small enough for a 600-pixel screen; the splitter gives the rows more room on a larger one.
+    m_grid->setMinimumHeight(m_grid->verticalHeader()->defaultSectionSize() * 4);
     topLayout->addWidget(m_grid, 1);
-    m_pending = new frmClaimPending(db, settings, prompter, clock, log, money);
+    m_pending = new frmClaimPending(db, settings, m_prompter, clock, log, money);
     auto* halves = new QSplitter(Qt::Vertical);
     halves->setChildrenCollapsible(false);
     halves->addWidget(top);
@@ -70,14 +73,15 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
     m_status = new QStatusBar;
     m_status->setSizeGripEnabled(false);
     auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
     layout->addWidget(halves, 1);
     layout->addWidget(buildButtons());
-    layout->addWidget(m_status);
 
-    connect(m_grid, &frmClaimGrid::note, this, &frmClaim::setStatus);
-    connect(m_pending, &frmClaimPending::note, this, &frmClaim::setStatus);
-    connect(m_pending, &frmClaimPending::openRequested, this, &frmClaim::openClaim);
-    connect(m_pending, &frmClaimPending::claimDeleted, this, &frmClaim::claimDeleted);
+    connect(m_grid, &frmClaimGrid::note, this, guarded(this, &frmClaim::setStatus));
+    connect(m_pending, &frmClaimPending::note, this, guarded(this, &frmClaim::setStatus));
+    connect(m_pending, &frmClaimPending::openRequested, this, guarded(this, &frmClaim::openClaim));
+    connect(m_pending, &frmClaimPending::claimDeleted, this,
+            guarded(this, &frmClaim::claimDeleted));
     m_pending->setLeaveOpenClaim([this] {
         if (!m_base.claimId) {
             return true;
@@ -89,11 +93,11 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
         return true;
     });
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
+            guarded(this, &QWidget::close));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            &frmClaim::save);
+            guarded(this, &frmClaim::save));
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_N), this), &QShortcut::activated, this,
-            &frmClaim::newClicked);
+            guarded(this, &frmClaim::newClicked));
 
     loadProviders();
     loadPayers();
@@ -101,7 +105,7 @@ frmClaim::frmClaim(Database& db, AppSettings& settings, const ClaimEntryOptions&
     m_provider->setCurrentIndex(
         m_provider->findData(m_settings.lastDoctor, Qt::UserRole, Qt::MatchFixedString));
     startNew();
-    resize(1020, 860);
+    resize(1020, 720);
 }
 
 frmClaim::~frmClaim() = default;

@@ -8,6 +8,7 @@
 #include "patients/HealthNumbers.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
+#include "screens/SlotGuard.h"
 #include "screens/frmClaimGrid.h"
 
 #include <QCheckBox>
@@ -19,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTreeWidget>
 
 // The header of claim entry: its fields, the order Enter takes through them, and finding
@@ -115,14 +117,15 @@ QWidget* frmClaim::buildHeader() {
     FieldRows billingRows(billing, 2);
     m_program = new QComboBox;
     m_program->addItems(payprog::storedForms());
-    connect(m_program, &QComboBox::currentIndexChanged, this, &frmClaim::programChanged);
+    connect(m_program, &QComboBox::currentIndexChanged, this,
+            guarded(this, &frmClaim::programChanged));
     billingRows.add(QStringLiteral("Pro&gram:"), m_program, 2);
     m_payer = new QComboBox;
     m_payer->setMinimumContentsLength(20);
     m_payers = new QPushButton(QStringLiteral("Pa&yers..."));
     m_payers->setAutoDefault(false);
     m_payers->setFocusPolicy(Qt::ClickFocus);  // Enter goes on past it; Alt+Y reaches it
-    connect(m_payers, &QPushButton::clicked, this, &frmClaim::openPayers);
+    connect(m_payers, &QPushButton::clicked, this, guarded(this, &frmClaim::openPayers));
     auto* payerRow = new QWidget;
     auto* payerLayout = new QHBoxLayout(payerRow);
     payerLayout->setContentsMargins(0, 0, 0, 0);
@@ -165,7 +168,7 @@ QWidget* frmClaim::buildHeader() {
                               1);
     m_pick->setWindowFlags(Qt::Popup);
     m_pick->installEventFilter(this);
-    connect(m_pick, &QTreeWidget::itemActivated, this, &frmClaim::patientPicked);
+    connect(m_pick, &QTreeWidget::itemActivated, this, guarded(this, &frmClaim::patientPicked));
     return header;
 }
 
@@ -179,15 +182,16 @@ QWidget* frmClaim::buildButtons() {
     newButton->setToolTip(QStringLiteral("Ctrl+N"));
     saveButton->setToolTip(QStringLiteral("Ctrl+S"));
     closeButton->setToolTip(QStringLiteral("Esc"));
-    connect(newButton, &QPushButton::clicked, this, &frmClaim::newClicked);
-    connect(saveButton, &QPushButton::clicked, this, &frmClaim::save);
-    connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    connect(newButton, &QPushButton::clicked, this, guarded(this, &frmClaim::newClicked));
+    connect(saveButton, &QPushButton::clicked, this, guarded(this, &frmClaim::save));
+    connect(closeButton, &QPushButton::clicked, this, guarded(this, &QWidget::close));
     for (QPushButton* b : {newButton, saveButton, closeButton}) {
         b->setAutoDefault(false);
         b->setFocusPolicy(Qt::ClickFocus);  // Enter and Tab stay with the claim
         row->addWidget(b);
         if (b == newButton) {
-            row->addStretch();
+            // The status line sits between the buttons, so the items keep the height.
+            row->addWidget(m_status, 1);
         }
     }
     return bar;

@@ -7,6 +7,8 @@
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
 #include "screens/RecordList.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -14,6 +16,8 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTimer>
 #include <QTreeWidget>
@@ -29,7 +33,10 @@ using Field = Provider::Field;
 
 frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, Prompter& prompter,
                        QWidget* parent)
-    : QDialog(parent), m_db(db), m_prompter(prompter), m_register(db, settings, prompter, log) {
+    : QDialog(parent),
+      m_db(db),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
+      m_register(db, settings, m_prompter, log) {
     setWindowTitle(QStringLiteral("Providers"));
     m_enter = new EnterMovesOn(this);
 
@@ -38,7 +45,8 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
         this, {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Billing No.")}, 1);
     m_list->setMinimumWidth(320);
     m_enter->watch(m_list);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, &frmDoctors::listRowChanged);
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, &frmDoctors::listRowChanged));
 
     QWidget* fields = fieldsPanel();
 
@@ -47,11 +55,12 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
     m_delete = new QPushButton(QStringLiteral("&Delete"), this);
     auto* referring = new QPushButton(QStringLiteral("&Referring Doctors..."), this);
     auto* close = new QPushButton(QStringLiteral("Close"), this);
-    connect(add, &QPushButton::clicked, this, &frmDoctors::newClicked);
-    connect(save, &QPushButton::clicked, this, &frmDoctors::saveClicked);
-    connect(m_delete, &QPushButton::clicked, this, &frmDoctors::deleteClicked);
-    connect(referring, &QPushButton::clicked, this, &frmDoctors::referringDoctorsRequested);
-    connect(close, &QPushButton::clicked, this, &frmDoctors::reject);
+    connect(add, &QPushButton::clicked, this, guarded(this, &frmDoctors::newClicked));
+    connect(save, &QPushButton::clicked, this, guarded(this, &frmDoctors::saveClicked));
+    connect(m_delete, &QPushButton::clicked, this, guarded(this, &frmDoctors::deleteClicked));
+    connect(referring, &QPushButton::clicked, this,
+            guarded(this, &frmDoctors::referringDoctorsRequested));
+    connect(close, &QPushButton::clicked, this, guarded(this, &frmDoctors::reject));
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(add);
@@ -61,9 +70,17 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
     buttons->addWidget(referring);
     buttons->addWidget(close);
 
+    // On a small screen the fields scroll; the list and the buttons stay in sight.
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(fields);
+    scroll->setMinimumWidth(fields->minimumWidth() +
+                            scroll->verticalScrollBar()->sizeHint().width());
     auto* body = new QHBoxLayout;
     body->addWidget(m_list, 1);
-    body->addWidget(fields);
+    body->addWidget(scroll);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body);
     layout->addLayout(buttons);
@@ -179,11 +196,11 @@ void frmDoctors::listRowChanged(QTreeWidgetItem* current, QTreeWidgetItem*) {
     }
     // Saving may rebuild the list, which must not happen inside the list's own signal.
     const QString target = current->data(0, recordlist::kKeyRole).toString();
-    QTimer::singleShot(0, this, [this, target] {
-        if (target != m_savedId && !showProvider(target)) {
-            selectInList(m_savedId);
-        }
-    });
+    QTimer::singleShot(0, this, guarded(this, [this, target] {
+                           if (target != m_savedId && !showProvider(target)) {
+                               selectInList(m_savedId);
+                           }
+                       }));
 }
 
 bool frmDoctors::showProvider(const QString& doctorId) {

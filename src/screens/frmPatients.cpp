@@ -6,10 +6,14 @@
 #include "foundation/UnsavedChanges.h"
 #include "patients/HealthNumbers.h"
 #include "patients/NameCase.h"
+#include "patients/PatientValidation.h"
 #include "patients/ReferringDoctorRegister.h"
 #include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
+#include "screens/FieldCase.h"
 #include "screens/RecordList.h"
+#include "screens/ScreenPrompter.h"
+#include "screens/SlotGuard.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -22,6 +26,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -69,29 +74,35 @@ frmPatients::frmPatients(Database& db, const AppSettings& settings, Prompter& pr
     : QWidget(parent, Qt::Window),
       m_db(db),
       m_settings(settings),
-      m_prompter(prompter),
+      m_prompter(ScreenPrompter::attach(prompter, this)),
       m_log(log),
-      m_register(db, settings, prompter, clock, log),
+      m_clock(clock),
+      m_register(db, settings, m_prompter, clock, log),
       m_search(db, settings) {
     setWindowTitle(kTitle);
     // Enter moves on through the fields, as the desk types a patient in one go.
     m_enter = new EnterMovesOn(this);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(buildSearch());
-    layout->addWidget(buildRecord(), 1);
+    layout->addWidget(buildSearch(), 1);
+    // On a small screen the fields scroll; the buttons below them stay in sight.
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidget(buildRecord());
+    layout->addWidget(scroll, 3);
     layout->addWidget(buildButtons());
 
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-    connect(escape, &QShortcut::activated, this, &QWidget::close);
+    connect(escape, &QShortcut::activated, this, guarded(this, &QWidget::close));
     auto* saveKey = new QShortcut(QKeySequence::Save, this);
-    connect(saveKey, &QShortcut::activated, this, &frmPatients::save);
+    connect(saveKey, &QShortcut::activated, this, guarded(this, &frmPatients::save));
     auto* findKey = new QShortcut(QKeySequence(Qt::Key_F3), this);
-    connect(findKey, &QShortcut::activated, this, [this] {
-        m_findText->setFocus();
-        m_findText->selectAll();
-    });
+    connect(findKey, &QShortcut::activated, this, guarded(this, [this] {
+                m_findText->setFocus();
+                m_findText->selectAll();
+            }));
     startNew();
-    resize(880, 680);
+    resize(900, 680);
 }
 
 QWidget* frmPatients::buildSearch() {
@@ -103,22 +114,23 @@ QWidget* frmPatients::buildSearch() {
     m_findBy->addItem(QStringLiteral("Patient ID"), ById);
     m_findText = new QLineEdit;
     m_findText->setPlaceholderText(QStringLiteral("e.g. Smi*, Jo  -  * any text, ? one letter"));
-    auto* findButton = new QPushButton(QStringLiteral("F&ind"));
-    connect(findButton, &QPushButton::clicked, this, &frmPatients::find);
-    connect(m_findText, &QLineEdit::returnPressed, this, &frmPatients::find);
+    // Without an access letter: F3 reaches the box and Enter there finds.
+    auto* findButton = new QPushButton(QStringLiteral("Find"));
+    connect(findButton, &QPushButton::clicked, this, guarded(this, &frmPatients::find));
+    connect(m_findText, &QLineEdit::returnPressed, this, guarded(this, &frmPatients::find));
 
     m_results = recordlist::make(
         box,
         {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Health Number"),
          QStringLiteral("Birth Date"), QStringLiteral("Phone")},
         1);
-    m_results->setMinimumHeight(110);
+    m_results->setMinimumHeight(60);
     m_results->installEventFilter(this);
-    connect(m_results, &QTreeWidget::itemActivated, this, &frmPatients::openChosen);
+    connect(m_results, &QTreeWidget::itemActivated, this, guarded(this, &frmPatients::openChosen));
     m_resultNote = new QLabel;
 
     auto* row = new QHBoxLayout;
-    auto* byLabel = new QLabel(QStringLiteral("&By:"));
+    auto* byLabel = new QLabel(QStringLiteral("By:"));
     byLabel->setBuddy(m_findBy);
     row->addWidget(byLabel);
     row->addWidget(m_findBy);
@@ -160,33 +172,44 @@ QWidget* frmPatients::buildRecord() {
     // Names typed in one case are given the capitals the desk would write by hand.
     for (QLineEdit* name : {m_lName, fName}) {
         connect(name, &QLineEdit::editingFinished, this,
-                [name] { name->setText(nameCase(name->text())); });
+                guarded(this, [name] { name->setText(nameCase(name->text())); }));
     }
     who.add(QStringLiteral("&Birth Date:"), field(&PatientEntry::dob, 10, dateHint));
-    who.add(QStringLiteral("&Sex:"), field(&PatientEntry::sex, 1, QStringLiteral("M or F")));
-    connect(m_id, &QLineEdit::returnPressed, this, &frmPatients::idEntered);
+    who.add(QStringLiteral("Se&x:"), field(&PatientEntry::sex, 1, QStringLiteral("M or F")));
+    connect(m_id, &QLineEdit::returnPressed, this, guarded(this, &frmPatients::idEntered));
+    connect(m_id, &QLineEdit::textEdited, this, guarded(this, &frmPatients::idTyped));
 
     auto* card = new QGroupBox(QStringLiteral("Health Card"));
     FieldGrid cardGrid(card);
     m_healthNum = field(&PatientEntry::healthNum, 12);
     m_province = field(&PatientEntry::province, 2, QStringLiteral("ON"));
     m_provinceName = new QLabel;
+    m_healthNote = new QLabel;
+    m_healthNote->setObjectName(QStringLiteral("healthNumberNote"));
+    m_healthNote->setWordWrap(true);
+    m_healthNote->setStyleSheet(QStringLiteral("color: #b00000;"));
     cardGrid.add(QStringLiteral("&Health Number:"), m_healthNum);
     cardGrid.add(QStringLiteral("&Version:"), field(&PatientEntry::versionCode, 2));
-    cardGrid.add(QStringLiteral("Pro&vince:"), m_province);
+    cardGrid.add(QStringLiteral("Pr&ovince:"), m_province);
     cardGrid.add(QString(), m_provinceName);
-    cardGrid.add(QStringLiteral("E&xpiry:"), field(&PatientEntry::expYear, 10, dateHint));
-    connect(m_healthNum, &QLineEdit::editingFinished, this, &frmPatients::healthNumberLeft);
-    connect(m_province, &QLineEdit::textChanged, this, &frmPatients::provinceChanged);
+    cardGrid.add(QStringLiteral("Expiry:"), field(&PatientEntry::expYear, 10, dateHint));
+    cardGrid.next();
+    cardGrid.add(QString(), m_healthNote, 2);
+    connect(m_healthNum, &QLineEdit::editingFinished, this,
+            guarded(this, &frmPatients::healthNumberLeft));
+    connect(m_province, &QLineEdit::textChanged, this,
+            guarded(this, &frmPatients::provinceChanged));
 
     auto* address = new QGroupBox(QStringLiteral("Address"));
     FieldGrid where(address);
     where.add(QStringLiteral("&Address:"), field(&PatientEntry::address, 50), 2);
-    where.add(QStringLiteral("&City:"), field(&PatientEntry::city, 30));
-    where.add(QStringLiteral("Postal C&ode:"), field(&PatientEntry::postalCode, 10));
-    where.add(QStringLiteral("Countr&y:"), field(&PatientEntry::country, 30));
+    where.add(QStringLiteral("Ci&ty:"), field(&PatientEntry::city, 30));
+    QLineEdit* postalCode = field(&PatientEntry::postalCode, 10);
+    capitalsAsTyped(postalCode);
+    where.add(QStringLiteral("&Postal Code:"), postalCode);
+    where.add(QStringLiteral("Co&untry:"), field(&PatientEntry::country, 30));
     where.next();
-    where.add(QStringLiteral("Home &Phone:"), field(&PatientEntry::hPhone, 20));
+    where.add(QStringLiteral("Ho&me Phone:"), field(&PatientEntry::hPhone, 20));
     where.add(QStringLiteral("&Work Phone:"), field(&PatientEntry::wPhone, 20));
 
     auto* doctors = new QGroupBox(QStringLiteral("Doctors and Hospital"));
@@ -195,21 +218,22 @@ QWidget* frmPatients::buildRecord() {
     // and Enter looks the number up.
     for (auto [member, label] :
          {std::pair{&PatientEntry::refDoc, QStringLiteral("&Referring Dr.:")},
-          std::pair{&PatientEntry::famDoc, QStringLiteral("Fa&mily Dr.:")}}) {
+          std::pair{&PatientEntry::famDoc, QStringLiteral("Famil&y Dr.:")}}) {
         QLineEdit* number = field(member, 6);
         number->installEventFilter(this);
         auto* name = new QLabel;
         m_doctorNames.insert(number, name);
-        connect(number, &QLineEdit::textChanged, this, [this, number] { showDoctorName(number); });
+        connect(number, &QLineEdit::textChanged, this,
+                guarded(this, [this, number] { showDoctorName(number); }));
         care.add(label, number);
     }
     care.next();
     for (QLabel* name : m_doctorNames) {
         care.add(QString(), name);
     }
-    care.add(QStringLiteral("Facili&ty:"), field(&PatientEntry::facilityNum, 4));
+    care.add(QStringLiteral("Facility:"), field(&PatientEntry::facilityNum, 4));
     care.add(QStringLiteral("A&dmit Date:"), field(&PatientEntry::admitDate, 10, dateHint));
-    care.add(QStringLiteral("No&tes:"), field(&PatientEntry::notes, 200), 2);
+    care.add(QStringLiteral("Notes:"), field(&PatientEntry::notes, 200), 2);
     m_flag = new QCheckBox(QStringLiteral("Fla&g"));
     care.add(QString(), m_flag);
 
@@ -248,10 +272,10 @@ QWidget* frmPatients::buildButtons() {
     auto* closeButton = new QPushButton(QStringLiteral("&Close"));
     saveButton->setToolTip(QStringLiteral("Ctrl+S"));
     closeButton->setToolTip(QStringLiteral("Esc"));
-    connect(newButton, &QPushButton::clicked, this, &frmPatients::newClicked);
-    connect(saveButton, &QPushButton::clicked, this, &frmPatients::save);
-    connect(m_delete, &QPushButton::clicked, this, &frmPatients::deleteAccount);
-    connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    connect(newButton, &QPushButton::clicked, this, guarded(this, &frmPatients::newClicked));
+    connect(saveButton, &QPushButton::clicked, this, guarded(this, &frmPatients::save));
+    connect(m_delete, &QPushButton::clicked, this, guarded(this, &frmPatients::deleteAccount));
+    connect(closeButton, &QPushButton::clicked, this, guarded(this, &QWidget::close));
     for (QPushButton* b : {newButton, saveButton, m_delete, closeButton}) {
         b->setAutoDefault(false);
     }
@@ -289,6 +313,7 @@ void frmPatients::putOnScreen(const PatientEntry& entry) {
         b.edit->setCursorPosition(0);
     }
     m_flag->setChecked(entry.flag);
+    m_healthNote->clear();
     m_shown = entry;
     m_state->setText(m_storedId
                          ? QString()
@@ -335,18 +360,22 @@ bool frmPatients::mayLeaveCurrent() {
     return mayLeaveChanges(m_prompter, kTitle, hasChanges(), [this] { return save(); });
 }
 
-void frmPatients::idEntered() {
-    const QString typed = m_id->text().trimmed();
-    const bool hasLetters =
-        std::any_of(typed.begin(), typed.end(), [](QChar c) { return c.isLetter(); });
-    if (hasLetters && m_settings.option[6]) {
-        // Letters in the id field are the start of a name: search with them instead.
-        m_id->setText(m_storedId ? QString::number(*m_storedId) : QString());
-        m_findBy->setCurrentIndex(m_findBy->findData(ByName));
-        m_findText->setText(typed);
-        find();
+void frmPatients::idTyped(const QString& text) {
+    const auto letter =
+        std::find_if(text.begin(), text.end(), [](QChar c) { return c.isLetter(); });
+    if (!m_settings.option[6] || letter == text.end()) {
         return;
     }
+    // The desk began the name in the id field: the letters go on in the last name.
+    const qsizetype at = letter - text.begin();
+    m_id->setText(text.left(at));
+    m_lName->setText(text.mid(at));
+    m_lName->setFocus();
+    m_lName->end(false);
+}
+
+void frmPatients::idEntered() {
+    const QString typed = m_id->text().trimmed();
     // On a new patient being typed in, a number is the id the patient is to get.
     const bool fillingNew = !m_storedId && hasChanges() && !entryOnScreen().lName.isEmpty();
     if (typed.isEmpty() || fillingNew || (m_storedId && typed == QString::number(*m_storedId))) {
@@ -466,10 +495,23 @@ void frmPatients::newClicked() {
 }
 
 void frmPatients::healthNumberLeft() {
+    const QString number = hn::fromTyped(m_healthNum->text());
     // A number typed without a province most likely belongs where its form says.
     if (m_province->text().trimmed().isEmpty()) {
-        m_province->setText(hn::guessProvince(m_healthNum->text().trimmed()));
+        m_province->setText(hn::guessProvince(number));
     }
+    checkHealthNumber();
+}
+
+void frmPatients::checkHealthNumber() {
+    // Told beside the field rather than in a box, so the keys go on to wherever the desk
+    // went; the save refuses the number all the same.
+    const PatientEntry entry = entryOnScreen();
+    const QStringList problems = entry.healthNum.isEmpty()
+                                     ? QStringList()
+                                     : PatientValidation(m_db, m_settings, m_prompter, m_clock)
+                                           .healthNumberProblems(entry, m_storedId);
+    m_healthNote->setText(problems.join(QLatin1Char(' ')));
 }
 
 void frmPatients::provinceChanged() {
@@ -481,6 +523,9 @@ void frmPatients::provinceChanged() {
                    .toString();
     }
     m_provinceName->setText(name);
+    if (!m_healthNote->text().isEmpty()) {
+        checkHealthNumber();  // the number may be right for the province now given
+    }
 }
 
 void frmPatients::showDoctorName(QLineEdit* number) {

@@ -61,6 +61,7 @@ private:
 
     PatientEntry entryOnScreen() const;
     void putOnScreen(const PatientEntry& entry);
+    void idTyped(const QString& text);
     void idEntered();
     void openChosen();
     bool save();
@@ -68,6 +69,7 @@ private:
     void deleteAccount();
     void newClicked();
     void healthNumberLeft();
+    void checkHealthNumber();
     void provinceChanged();
     void applySwitches();
     void showDoctorName(QLineEdit* number);
@@ -78,6 +80,7 @@ private:
     const AppSettings& m_settings;
     Prompter& m_prompter;
     const SqlLog& m_log;
+    const Clock& m_clock;
     PatientRegister m_register;
     PatientSearch m_search;
 
@@ -95,6 +98,7 @@ private:
     QLineEdit* m_healthNum = nullptr;
     QLineEdit* m_province = nullptr;
     QLabel* m_provinceName = nullptr;
+    QLabel* m_healthNote = nullptr;  // what is wrong with the health number typed
     QCheckBox* m_flag = nullptr;
     QLabel* m_state = nullptr;
     QPushButton* m_delete = nullptr;

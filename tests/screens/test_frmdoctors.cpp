@@ -38,7 +38,7 @@ struct Office : test::OfficeFixture {
             "Insert Into DoctorsOther (ProviderNum, LName, FName, City, SpecCode) Values "
             "('550001', 'Smith', 'John', 'Toronto', '08'), "
             "('550002', 'Smyth', 'Anna', 'Ottawa', '00')");
-        registerProviderScreens(registry, *db, settings, log, prompter, &main);
+        registerProviderScreens(registry, *db, settings, office.store(), log, prompter, &main);
     }
     frmDoctors* doctors() { return main.findChild<frmDoctors*>(); }
     frmDoctorsOther* others() { return main.findChild<frmDoctorsOther*>(); }

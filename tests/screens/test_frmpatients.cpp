@@ -71,7 +71,7 @@ private slots:
         desk.settings.option[25] = true;
         QVERIFY(desk.window->showPatient(7));
         QVERIFY(desk.window->findChild<QCheckBox*>()->isVisible());
-        desk.edit("&City:")->setText(QStringLiteral("Ottawa"));
+        desk.edit("Ci&ty:")->setText(QStringLiteral("Ottawa"));
         for (auto* button : desk.window->findChildren<QPushButton*>()) {
             if (button->text() == QLatin1String("&Save")) {
                 button->click();
@@ -117,7 +117,7 @@ private slots:
                                                            {"&First Name:", "ann"},
                                                            {"&Health Number:", "1234 567 897"},
                                                            {"&Birth Date:", "1990/02/03"},
-                                                           {"&Sex:", "f"}};
+                                                           {"Se&x:", "f"}};
         for (const auto& [label, text] : typing) {
             QLineEdit* edit = desk.edit(label);
             edit->setFocus();
@@ -137,15 +137,77 @@ private slots:
         QCOMPARE(desk.window->windowTitle(), QStringLiteral("Patients - Macdonald-Smith, Ann"));
     }
 
-    // Letters typed in the id field become a name search (switch 6).
-    void lettersInIdSearchByName() {
+    // With switch 6 a letter typed in the id field starts the last name, and the rest of the
+    // name follows it there; without it the letters stay where they were typed.
+    void lettersInIdGoToLastName_data() {
+        QTest::addColumn<bool>("switch6");
+        QTest::addColumn<QString>("idAfter");
+        QTest::addColumn<QString>("lastNameAfter");
+        test::row("switch 6 on", true, "", "Smith");
+        test::row("switch 6 off", false, "Smith", "");
+    }
+    void lettersInIdGoToLastName() {
+        QFETCH(bool, switch6);
         Desk desk;
-        desk.settings.option[6] = true;
+        desk.settings.option[6] = switch6;
+        QApplication::setActiveWindow(desk.window.get());
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
         QLineEdit* id = desk.edit("Patient &ID:");
-        id->setText(QStringLiteral("o'br"));
-        QTest::keyClick(id, Qt::Key_Return);
-        QCOMPARE(desk.window->findChild<QTreeWidget*>()->topLevelItemCount(), 1);
-        QVERIFY(id->text().isEmpty());
+        id->setFocus();
+        QTest::keyClick(id, 'S');
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("mith"));
+        QTEST(id->text(), "idAfter");
+        QTEST(desk.edit("&Last Name:")->text(), "lastNameAfter");
+        QCOMPARE(QApplication::focusWidget(), switch6 ? desk.edit("&Last Name:") : id);
+    }
+
+    // Alt+S saves wherever the cursor is; postal codes show in capitals as typed.
+    void altSSavesAndPostalCodeInCapitals() {
+        Desk desk;
+        QApplication::setActiveWindow(desk.window.get());
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        QVERIFY(desk.window->showPatient(7));
+        QLineEdit* postal = desk.edit("&Postal Code:");
+        postal->setFocus();
+        QTest::keyClicks(postal, QStringLiteral("k7l 3n6"));
+        QCOMPARE(postal->text(), QStringLiteral("K7L 3N6"));
+        QTest::keyClick(desk.window->windowHandle(), Qt::Key_S, Qt::AltModifier);
+        // The button shows itself pressed for a moment before it clicks.
+        QTRY_COMPARE(
+            desk.db->scalar("Select PostalCode From Patients Where PatientID=7").toString(),
+            QStringLiteral("K7L 3N6"));
+        QCOMPARE(desk.prompter.messages().size(), 0);
+    }
+
+    // The health number is checked with its province when the field is left: told beside the
+    // field, no box, and the cursor goes on to the next field.
+    void healthNumberCheckedOnLeaving_data() {
+        QTest::addColumn<QString>("number");
+        QTest::addColumn<QString>("province");
+        QTest::addColumn<QString>("note");
+        test::row("valid", "1234567897", "ON", "");
+        test::row("bad check digit", "1234567890", "ON",
+                  "'1234567890' is not a valid health card number.");
+        test::row("another patient's", "9876543217", "ON",
+                  "There is already an existing patient (Mary O'Brien) with health card "
+                  "number '9876543217'.");
+        test::row("other province spared by switch 1", "1234567890", "QC", "");
+    }
+    void healthNumberCheckedOnLeaving() {
+        QFETCH(QString, number);
+        QFETCH(QString, province);
+        Desk desk;
+        desk.settings.option[1] = true;
+        QApplication::setActiveWindow(desk.window.get());
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        desk.edit("Pr&ovince:")->setText(province);
+        QLineEdit* health = desk.edit("&Health Number:");
+        health->setFocus();
+        QTest::keyClicks(health, number);
+        QTest::keyClick(health, Qt::Key_Return);
+        QTEST(desk.window->findChild<QLabel*>("healthNumberNote")->text(), "note");
+        QVERIFY(desk.prompter.messages().isEmpty());
+        QCOMPARE(QApplication::focusWidget(), desk.edit("&Version:"));
     }
 
     // With switch 24 a name typed for the referring doctor becomes the doctor's number.
@@ -175,7 +237,7 @@ private slots:
         window->show();
         QVERIFY(window->showPatient(7));
         for (auto* caption : window->findChildren<QLabel*>()) {
-            if (caption->text() == QLatin1String("&City:")) {
+            if (caption->text() == QLatin1String("Ci&ty:")) {
                 qobject_cast<QLineEdit*>(caption->buddy())->setText(QStringLiteral("Ottawa"));
             }
         }
@@ -208,8 +270,8 @@ private slots:
         Desk desk;
         QWidget owner;
         ActionRegistry registry;
-        PatientScreens screens(*desk.db, desk.settings, desk.prompter, desk.clock, desk.log,
-                               &owner);
+        PatientScreens screens(*desk.db, desk.settings, desk.office.store(), desk.prompter,
+                               desk.clock, desk.log, &owner);
         screens.registerIn(registry);
         QTEST(registry.runCommand(line).value_or("UNKNOWN"), "answer");
         auto* window = owner.findChild<frmPatients*>();
