@@ -72,14 +72,17 @@ QRect clamped(QRect rect, const QRect& available) {
 }
 
 void remember(QWidget* window, SettingsStore& store, const QString& key) {
-    if (const std::optional<QRect> kept = rectOf(store.get(kSection, key))) {
-        const QScreen* screen = QGuiApplication::screenAt(kept->center());
-        if (screen == nullptr) {
-            screen = QGuiApplication::primaryScreen();
-        }
-        const QRect place =
-            clamped(*kept, screen != nullptr ? screen->availableGeometry() : QRect());
-        window->setGeometry(place);
+    const std::optional<QRect> kept = rectOf(store.get(kSection, key));
+    const QScreen* screen = kept ? QGuiApplication::screenAt(kept->center()) : nullptr;
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    const QRect available = screen != nullptr ? screen->availableGeometry() : QRect();
+    if (kept) {
+        window->setGeometry(clamped(*kept, available));
+    } else if (!available.isEmpty()) {
+        // The first time, the window's own size, but never larger than the screen.
+        window->resize(window->size().boundedTo(available.size()));
     }
     window->installEventFilter(new PlaceKeeper(window, store, key));
 }

@@ -6,6 +6,7 @@
 #include "patients/ProviderCodeLists.h"
 #include "patients/ReferringDoctorSearch.h"
 #include "screens/EnterMovesOn.h"
+#include "screens/FieldCase.h"
 #include "screens/ProviderScreens.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
@@ -123,7 +124,9 @@ QWidget* frmDoctorsOther::fieldsPanel() {
     form->addRow(QStringLiteral("Address line &2:"), lineFor(Field::Address2, 0));
     form->addRow(QStringLiteral("Ci&ty:"), lineFor(Field::City, 0));
     form->addRow(QStringLiteral("Pro&vince:"), lineFor(Field::Province, 2));
-    form->addRow(QStringLiteral("Postal &code:"), lineFor(Field::PostalCode, 8));
+    QLineEdit* postalCode = lineFor(Field::PostalCode, 8);
+    capitalsAsTyped(postalCode);
+    form->addRow(QStringLiteral("Postal &code:"), postalCode);
     form->addRow(QStringLiteral("P&hone:"), lineFor(Field::Phone, 0));
     form->addRow(QStringLiteral("Fa&x:"), lineFor(Field::Fax, 0));
     panel->setMinimumWidth(400);

@@ -4,6 +4,7 @@
 #include "foundation/Prompter.h"
 #include "foundation/UnsavedChanges.h"
 #include "screens/EnterMovesOn.h"
+#include "screens/FieldCase.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -143,6 +144,7 @@ QWidget* frmThirdParty::fieldsPanel() {
     }
     connect(m_lines.value(Field::City), &QLineEdit::editingFinished, this,
             guarded(this, &frmThirdParty::cityLeft));
+    capitalsAsTyped(m_lines.value(Field::PostalCode));
     // Shown as they will be stored ("ON", "K1P 5N2") once the user moves on.
     for (Field f : {Field::Province, Field::PostalCode}) {
         QLineEdit* line = m_lines.value(f);

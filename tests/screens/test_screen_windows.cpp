@@ -281,13 +281,16 @@ private slots:
         QTEST(windowplace::clamped(kept, QRect(0, 0, 1024, 600)), "opened");
     }
 
-    // A record window left somewhere opens there the next time.
+    // A record window opens no larger than the screen the first time, and where it was left
+    // after that.
     void placeIsRememberedAcrossOpenings() {
         test::TempOffice office;
         QRect left;
         {
             QWidget window;
+            window.resize(5000, 5000);
             windowplace::remember(&window, office.store(), "frmDoctors");
+            QCOMPARE(window.size(), QGuiApplication::primaryScreen()->availableSize());
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
             window.setGeometry(40, 50, 600, 400);
