@@ -158,24 +158,32 @@ private slots:
     }
 
     // Letters search by last name and offer a pick list; a card number finds its patient.
+    // Escape closes the pick list only.
     void patientFoundByNameOrCard_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<int>("offered");  // lines of the pick list; 0: none shown
+        QTest::addColumn<bool>("escape");
         QTest::addColumn<QString>("lName");
         QTest::addColumn<QString>("message");
-        test::row("name, two found, second picked", "smi", 2, "Smithers", "");
-        test::row("health number in groups", "9876 543 217", 0, "Smithers", "");
-        test::row("nobody", "55", 0, "", "No such patient");
+        test::row("name, two found, second picked", "smi", 2, false, "Smithers", "");
+        test::row("name, list left with Escape", "smi", 2, true, "", "");
+        test::row("health number in groups", "9876 543 217", 0, false, "Smithers", "");
+        test::row("nobody", "55", 0, false, "", "No such patient");
     }
     void patientFoundByNameOrCard() {
         QFETCH(QString, typed);
         QFETCH(int, offered);
+        QFETCH(bool, escape);
         Desk desk;
         desk.open();
         desk.type(typed + "\n");
         auto* pick = desk.window->findChild<QTreeWidget*>(QString(), Qt::FindDirectChildrenOnly);
         QCOMPARE(pick->isVisible() ? pick->topLevelItemCount() : 0, offered);
-        if (offered > 0) {
+        if (escape) {
+            QTest::keyClick(desk.window->windowHandle(), Qt::Key_Escape);
+            QVERIFY(!pick->isVisible());
+            QVERIFY(desk.window->isVisible());
+        } else if (offered > 0) {
             QTest::keyClick(pick, Qt::Key_Down);
             QTest::keyClick(pick, Qt::Key_Return);
         }
