@@ -1,5 +1,7 @@
 #include "cli/CliCommand.h"
 
+#include "foundation/AccessLevels.h"
+
 #include <QCommandLineParser>
 #include <QTextStream>
 
@@ -149,6 +151,10 @@ QString helpText(const CliCommand& command) {
         usageLine(command) + QStringLiteral("\n\n") + command.summary + QLatin1Char('\n');
     for (const QString& line : command.details) {
         text += line + QLatin1Char('\n');
+    }
+    if (command.level) {
+        text += QStringLiteral("When the office has passwords it needs the [%1] password.\n")
+                    .arg(AccessLevels::levelName(*command.level));
     }
     if (!command.arguments.isEmpty()) {
         QList<std::pair<QString, QString>> rows;
