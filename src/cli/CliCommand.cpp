@@ -175,8 +175,15 @@ QString programHelp(const QList<CliOption>& globalOptions) {
     for (const CliCommand& command : registry()) {
         all.append(&command);
     }
-    return QStringLiteral(
-               "usage: %1 [--home DIR] [--settings FILE] [--yes] COMMAND ...\n"
+    QStringList usage = {QStringLiteral("usage:"), kProgram};
+    for (const CliOption& option : globalOptions) {
+        if (option.name != QLatin1String("help")) {
+            usage << QLatin1Char('[') + optionText(option) + QLatin1Char(']');
+        }
+    }
+    return usage.join(QLatin1Char(' ')) +
+           QStringLiteral(
+               " COMMAND ...\n"
                "       %1 COMMAND --help   the command's arguments and options\n"
                "\noptions (before the command):\n")
                .arg(kProgram) +
