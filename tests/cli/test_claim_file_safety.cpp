@@ -247,7 +247,10 @@ private slots:
             const QStringList problems = office.problems(true);
             QVERIFY2(problems.isEmpty(), qPrintable(problems.join("; ")));
         }
-        QCOMPARE(cli(office.temp, {"prepare", "AB"}).status, 0);  // what was saved last
+        // The claim saved last, unless the round's last preparation took it already.
+        const test::CliResult last = cli(office.temp, {"prepare", "AB"});
+        QVERIFY2(last.status == 0 || last.err.contains("No claims to submit."),
+                 qPrintable(last.err));
         QCOMPARE(office.problems(true), QStringList());
         QCOMPARE(office.pending(), 0);
         QCOMPARE(office.claimFilesInFolder().size(),
