@@ -36,8 +36,8 @@ void describeFirstRecord(const QString& line, WaitingFile& file, Database* db) {
                 placements, db ? errorreport::officeDoctors(*db) : errorreport::DoctorTest());
             file.provider = billing ? billing->provider : placements.back().provider;
             // The process date follows the specialty after a three-digit station number.
-            const bool described = billing && *billing == placements.front();
-            for (const int at : described ? std::array{36, 39} : std::array{39, 36}) {
+            const bool layoutPlacement = billing && *billing == placements.front();
+            for (const int at : layoutPlacement ? std::array{36, 39} : std::array{39, 36}) {
                 file.date = received::dateOf(take(line, at, 8));
                 if (file.date.isValid()) {
                     break;

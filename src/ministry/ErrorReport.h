@@ -80,11 +80,11 @@ struct BillingNumber {
     QString specialty;
     bool operator==(const BillingNumber&) const = default;
 };
-// The two places a file header is found to hold them: at 21-24, 25-30 and 31-32 as the
-// layout is described, and at 24-27, 28-33 and 34-35 as the ministry's own files have them.
+// The two places a file header is found to hold them: at 21-24, 25-30 and 31-32 by the
+// V03 record layout, and at 24-27, 28-33 and 34-35 as the ministry's own files have them.
 std::array<BillingNumber, 2> placementsOf(const QString& line);
 // Which placement a file header is read by: the one whose numbers `isOfficeDoctor` finds,
-// else the described one when it holds a valid provider number, else the other when it
+// else the V03 layout's one when it holds a valid provider number, else the other when it
 // does; none when neither does.
 using DoctorTest = std::function<bool(const BillingNumber&)>;
 std::optional<BillingNumber> chooseBillingNumber(const std::array<BillingNumber, 2>& placements,

@@ -13,8 +13,8 @@ using received::LineError;
 
 constexpr int kRecordLength = 79;
 
-// Where an "HX1" holds the group (then the provider number and specialty right after it): as
-// the layout is described, and as the ministry's own files have it (operator number 18-23
+// Where an "HX1" holds the group (then the provider number and specialty right after it): by
+// the V03 record layout, and as the ministry's own files have it (operator number 18-23
 // before, station and process date after). Both are read in every layout.
 constexpr std::array<int, 2> kGroupPositions = {21, 24};
 

@@ -125,9 +125,9 @@ private slots:
         QCOMPARE(fields, "ACCT 1|1980-05-17|A003A|3370|2026-11-01|401|V01,V02,V03,V04,V05");
     }
 
-    // The file header's numbers where the layout description puts them (21-32) or where the
+    // The file header's numbers where the V03 record layout puts them (21-32) or where the
     // ministry's files have them (24-35): the placement that finds the office's doctor wins,
-    // else the described one when its provider number is valid, else the other.
+    // else the V03 layout's one when its provider number is valid, else the other.
     void readsTheHeaderWhereItsDoctorIs_data() {
         QTest::addColumn<QString>("header");
         QTest::addColumn<QString>("doctor");  // group|provider|specialty; empty: none
@@ -135,12 +135,11 @@ private slots:
         const QString both = record({{1, "HX1V03J"}, {18, "000"}, {21, "000012345678900"}});
         test::row("the ministry's placement, its doctor", hx1(), "0000|102152|00",
                   "0000|102152|00");
-        // The same header reads a valid number where the description puts it too.
+        // The same header reads a valid number in the V03 placement too.
         test::row("the ministry's placement, no doctor", hx1(), "", "0000|000102|15");
-        test::row("the described placement, its doctor",
-                  record({{1, "HX1V03J"}, {21, "BAAA65432112"}}), "BAAA|654321|12",
-                  "BAAA|654321|12");
-        test::row("numbers both ways, the described one's doctor", both, "0000|123456|78",
+        test::row("the V03 placement, its doctor", record({{1, "HX1V03J"}, {21, "BAAA65432112"}}),
+                  "BAAA|654321|12", "BAAA|654321|12");
+        test::row("numbers both ways, the V03 placement's doctor", both, "0000|123456|78",
                   "0000|123456|78");
         test::row("numbers both ways, the other's doctor", both, "0123|456789|00",
                   "0123|456789|00");
