@@ -60,6 +60,12 @@ public:
         ++m_row;
         m_column = 0;
     }
+    // A line of its own across the box, under the fields so far.
+    void addLine(QWidget* widget) {
+        next();
+        m_grid->addWidget(widget, m_row, 0, 1, 4);
+        next();
+    }
 
 private:
     QGridLayout* m_grid;
@@ -186,15 +192,13 @@ QWidget* frmPatients::buildRecord() {
     m_provinceName = new QLabel;
     m_healthNote = new QLabel;
     m_healthNote->setObjectName(QStringLiteral("healthNumberNote"));
-    m_healthNote->setWordWrap(true);
     m_healthNote->setStyleSheet(QStringLiteral("color: #b00000;"));
     cardGrid.add(QStringLiteral("&Health Number:"), m_healthNum);
     cardGrid.add(QStringLiteral("&Version:"), field(&PatientEntry::versionCode, 2));
     cardGrid.add(QStringLiteral("Pr&ovince:"), m_province);
     cardGrid.add(QString(), m_provinceName);
     cardGrid.add(QStringLiteral("Expiry:"), field(&PatientEntry::expYear, 10, dateHint));
-    cardGrid.next();
-    cardGrid.add(QString(), m_healthNote, 2);
+    cardGrid.addLine(m_healthNote);
     connect(m_healthNum, &QLineEdit::editingFinished, this,
             guarded(this, &frmPatients::healthNumberLeft));
     connect(m_province, &QLineEdit::textChanged, this,
@@ -511,7 +515,7 @@ void frmPatients::checkHealthNumber() {
                                      ? QStringList()
                                      : PatientValidation(m_db, m_settings, m_prompter, m_clock)
                                            .healthNumberProblems(entry, m_storedId);
-    m_healthNote->setText(problems.join(QLatin1Char(' ')));
+    m_healthNote->setText(problems.join(QLatin1Char('\n')));
 }
 
 void frmPatients::provinceChanged() {

@@ -189,7 +189,7 @@ private slots:
         test::row("bad check digit", "1234567890", "ON",
                   "'1234567890' is not a valid health card number.");
         test::row("another patient's", "9876543217", "ON",
-                  "There is already an existing patient (Mary O'Brien) with health card "
+                  "There is already an existing patient (Mary O'Brien)\nwith health card "
                   "number '9876543217'.");
         test::row("other province spared by switch 1", "1234567890", "QC", "");
     }
