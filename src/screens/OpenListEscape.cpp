@@ -13,7 +13,7 @@ public:
     using QObject::QObject;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
+    bool eventFilter(QObject*, QEvent* event) override {
         const QEvent::Type type = event->type();
         if (type != QEvent::ShortcutOverride && type != QEvent::KeyPress &&
             type != QEvent::KeyRelease) {
@@ -25,6 +25,7 @@ protected:
         if (type == QEvent::ShortcutOverride) {
             QComboBox* box = openList();
             if (box == nullptr) {
+                m_swallow = false;  // a new press, the last release having gone elsewhere
                 return false;
             }
             box->hidePopup();
@@ -40,7 +41,6 @@ protected:
         if (type == QEvent::KeyRelease) {
             m_swallow = false;
         }
-        Q_UNUSED(watched);
         return false;
     }
 
