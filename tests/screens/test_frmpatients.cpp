@@ -210,6 +210,22 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), desk.edit("&Version:"));
     }
 
+    // A search the database refuses is told over the window, which stays usable.
+    void refusedSearchIsTold() {
+        Desk desk;
+        desk.db->exec(QStringLiteral("Drop Table Patients"));
+        desk.window->findChild<QLineEdit*>()->setText(QStringLiteral("smith"));
+        for (auto* button : desk.window->findChildren<QPushButton*>()) {
+            if (button->text() == QLatin1String("Find")) {
+                button->click();
+            }
+        }
+        QCOMPARE(desk.prompter.messages().size(), 1);
+        QCOMPARE(desk.prompter.last().title, QStringLiteral("Patients - New Patient"));
+        QVERIFY(desk.prompter.last().text().contains(QStringLiteral("no such table")));
+        QVERIFY(desk.window->isVisible());
+    }
+
     // With switch 24 a name typed for the referring doctor becomes the doctor's number.
     void referringDoctorByName() {
         Desk desk;
