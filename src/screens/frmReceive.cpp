@@ -182,7 +182,7 @@ void frmReceive::doctorChanged(int index) {
 void frmReceive::reloadFiles(const QString& select) {
     const std::optional<WaitingFile> current = selectedFile();
     const QString keep = select.isEmpty() && current ? current->fileName : select;
-    m_files = waitingFiles(m_listFolder);
+    m_files = waitingFiles(m_listFolder, &m_db);
     m_filePanel->setTitle(
         QStringLiteral("&Answer files in %1").arg(QDir::toNativeSeparators(m_listFolder)));
     m_list->clear();
