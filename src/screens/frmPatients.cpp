@@ -21,6 +21,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -28,6 +29,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QShortcut>
+#include <QSplitter>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -88,14 +90,20 @@ frmPatients::frmPatients(Database& db, const AppSettings& settings, Prompter& pr
     setWindowTitle(kTitle);
     // Enter moves on through the fields, as the desk types a patient in one go.
     m_enter = new EnterMovesOn(this);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(buildSearch(), 1);
-    // On a small screen the fields scroll; the buttons below them stay in sight.
+    // On a small screen the fields scroll; the buttons below them stay in sight. The desk may
+    // move the line between the list of found patients and the fields.
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(buildRecord());
-    layout->addWidget(scroll, 3);
+    auto* split = new QSplitter(Qt::Vertical);
+    split->setChildrenCollapsible(false);
+    split->addWidget(buildSearch());
+    split->addWidget(scroll);
+    split->setStretchFactor(0, 2);
+    split->setStretchFactor(1, 3);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(split, 1);
     layout->addWidget(buildButtons());
 
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
@@ -118,7 +126,9 @@ QWidget* frmPatients::buildSearch() {
     m_findBy->addItem(QStringLiteral("Health Number"), ByHealthNumber);
     m_findBy->addItem(QStringLiteral("Phone"), ByPhone);
     m_findBy->addItem(QStringLiteral("Patient ID"), ById);
+    m_findBy->setObjectName(QStringLiteral("findBy"));
     m_findText = new QLineEdit;
+    m_findText->setObjectName(QStringLiteral("findText"));
     m_findText->setPlaceholderText(QStringLiteral("e.g. Smi*, Jo  -  * any text, ? one letter"));
     // Without an access letter: F3 reaches the box and Enter there finds.
     auto* findButton = new QPushButton(QStringLiteral("Find"));
@@ -130,7 +140,10 @@ QWidget* frmPatients::buildSearch() {
         {QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("Health Number"),
          QStringLiteral("Birth Date"), QStringLiteral("Phone")},
         1);
-    m_results->setMinimumHeight(60);
+    // A busy desk looks through several namesakes at once, even on a small screen.
+    const int rowHeight = m_results->fontMetrics().height() + 6;
+    m_results->setMinimumHeight(m_results->header()->sizeHint().height() + 6 * rowHeight +
+                                2 * m_results->frameWidth());
     m_results->installEventFilter(this);
     connect(m_results, &QTreeWidget::itemActivated, this, guarded(this, &frmPatients::openChosen));
     m_resultNote = new QLabel;
