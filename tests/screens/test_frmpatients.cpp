@@ -13,6 +13,8 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <algorithm>
+
 using namespace brimsett;
 
 namespace {
@@ -32,14 +34,24 @@ struct Desk : test::OfficeFixture {
                            " ('550002', 'Smyth', 'Anna', 'Ottawa')"));
         window = std::make_unique<frmPatients>(*db, settings, prompter, clock, log);
         window->show();
+        // The keys typed go where the desk's would.
+        QApplication::setActiveWindow(window.get());
+        QTest::qWaitForWindowActive(window.get());
     }
-    QLineEdit* edit(const QString& label) const {
-        for (auto* caption : window->findChildren<QLabel*>()) {
+    QLineEdit* edit(const QString& label, QWidget* in = nullptr) const {
+        for (auto* caption : (in ? in : window.get())->findChildren<QLabel*>()) {
             if (caption->text() == label) {
                 return qobject_cast<QLineEdit*>(caption->buddy());
             }
         }
         return nullptr;
+    }
+    void click(const QString& caption) const {
+        for (auto* button : window->findChildren<QPushButton*>()) {
+            if (button->text() == caption) {
+                button->click();
+            }
+        }
     }
 };
 
@@ -51,7 +63,7 @@ class TestFrmPatients : public QObject {
 private slots:
     void findByNameListsAndEnterOpens() {
         Desk desk;
-        auto* findText = desk.window->findChild<QLineEdit*>();
+        auto* findText = desk.window->findChild<QLineEdit*>("findText");
         QVERIFY(findText);
         findText->setText(QStringLiteral("o'b*"));
         desk.window->find();
@@ -65,54 +77,64 @@ private slots:
         desk.window->grab().save(QStringLiteral("/tmp/frmPatients.png"));
     }
 
-    // A changed patient is saved through the register, and the flag follows switch 25.
+    // A changed patient is saved with Alt+S wherever the cursor is, postal codes show in
+    // capitals as typed, and the flag follows switch 25.
     void editAndSave() {
         Desk desk;
         desk.settings.option[25] = true;
         QVERIFY(desk.window->showPatient(7));
         QVERIFY(desk.window->findChild<QCheckBox*>()->isVisible());
         desk.edit("Ci&ty:")->setText(QStringLiteral("Ottawa"));
-        for (auto* button : desk.window->findChildren<QPushButton*>()) {
-            if (button->text() == QLatin1String("&Save")) {
-                button->click();
-            }
-        }
-        QCOMPARE(desk.prompter.messages().size(), 0);
-        QCOMPARE(desk.db->scalar("Select City From Patients Where PatientID=7").toString(),
-                 QStringLiteral("Ottawa"));
+        QLineEdit* postal = desk.edit("&Postal Code:");
+        postal->setFocus();
+        QTest::keyClicks(postal, QStringLiteral("k7l 3n6"));
+        QCOMPARE(postal->text(), QStringLiteral("K7L 3N6"));
+        QTest::keyClick(desk.window->windowHandle(), Qt::Key_S, Qt::AltModifier);
+        // The button shows itself pressed for a moment before it clicks.
+        QTRY_COMPARE(
+            test::rowsOf(desk.db->exec("Select City, PostalCode From Patients Where PatientID=7")),
+            QStringList{"Ottawa|K7L 3N6"});
         // Leaving an unchanged patient asks nothing.
         QVERIFY(desk.window->mayLeaveCurrent());
         QVERIFY(desk.prompter.messages().isEmpty());
     }
 
+    // Enter in the id field looks the patient up. With switch 6 a letter typed there starts
+    // the last name and the rest of the name follows it; without it the letters stay.
     void idFieldLooksUp_data() {
+        QTest::addColumn<bool>("switch6");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("idAfter");
-        test::row("stored patient", "7", "", "Patients - O'Brien, Mary", "7");
-        test::row("no such patient", "8", "No such patient", "Patients - New Patient", "8");
-        test::row("not a number", "7x", "Invalid number.", "Patients - New Patient", "7x");
+        QTest::addColumn<QString>("lastNameAfter");
+        const char* none = "Patients - New Patient";
+        test::row("stored patient", false, "7", "", "Patients - O'Brien, Mary", "7", "O'Brien");
+        test::row("no such patient", false, "8", "No such patient", none, "8", "");
+        test::row("not a number", false, "7x", "Invalid number.", none, "7x", "");
+        test::row("switch 6: letters", true, "Smith", "", none, "", "Smith");
     }
     void idFieldLooksUp() {
+        QFETCH(bool, switch6);
         QFETCH(QString, typed);
-        QFETCH(QString, message);
         Desk desk;
+        desk.settings.option[6] = switch6;
         QLineEdit* id = desk.edit("Patient &ID:");
-        id->setText(typed);
-        QTest::keyClick(id, Qt::Key_Return);
-        QCOMPARE(desk.prompter.messages().isEmpty() ? QString() : desk.prompter.last().text(),
-                 message);
+        id->setFocus();
+        QTest::keyClick(id, typed.at(0).toLatin1());
+        QTest::keyClicks(QApplication::focusWidget(), typed.mid(1));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTEST(desk.prompter.messages().isEmpty() ? QString() : desk.prompter.last().text(),
+              "message");
         QTEST(desk.window->windowTitle(), "title");
         QTEST(id->text(), "idAfter");
+        QTEST(desk.edit("&Last Name:")->text(), "lastNameAfter");
     }
 
     // A new patient typed in as the desk would: names get their capitals, the number loses
     // its blanks, and the saved patient stays on the screen under the next id.
     void newPatientTypedAndSaved() {
         Desk desk;
-        QApplication::setActiveWindow(desk.window.get());
-        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
         const QList<std::pair<QString, QString>> typing = {{"&Last Name:", "MACDONALD-SMITH"},
                                                            {"&First Name:", "ann"},
                                                            {"&Health Number:", "1234 567 897"},
@@ -124,59 +146,13 @@ private slots:
             QTest::keyClicks(edit, text);
             QTest::keyClick(edit, Qt::Key_Return);
         }
-        for (auto* button : desk.window->findChildren<QPushButton*>()) {
-            if (button->text() == QLatin1String("&Save")) {
-                button->click();
-            }
-        }
+        desk.click("&Save");
         QCOMPARE(desk.prompter.messages().size(), 0);
         QCOMPARE(test::rowsOf(desk.db->exec(
                      "Select PatientID, LName, FName, HealthNum, Sex From Patients Where "
                      "PatientID<>7")),
                  QStringList{"8|Macdonald-Smith|Ann|1234567897|F"});
         QCOMPARE(desk.window->windowTitle(), QStringLiteral("Patients - Macdonald-Smith, Ann"));
-    }
-
-    // With switch 6 a letter typed in the id field starts the last name, and the rest of the
-    // name follows it there; without it the letters stay where they were typed.
-    void lettersInIdGoToLastName_data() {
-        QTest::addColumn<bool>("switch6");
-        QTest::addColumn<QString>("idAfter");
-        QTest::addColumn<QString>("lastNameAfter");
-        test::row("switch 6 on", true, "", "Smith");
-        test::row("switch 6 off", false, "Smith", "");
-    }
-    void lettersInIdGoToLastName() {
-        QFETCH(bool, switch6);
-        Desk desk;
-        desk.settings.option[6] = switch6;
-        QApplication::setActiveWindow(desk.window.get());
-        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
-        QLineEdit* id = desk.edit("Patient &ID:");
-        id->setFocus();
-        QTest::keyClick(id, 'S');
-        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("mith"));
-        QTEST(id->text(), "idAfter");
-        QTEST(desk.edit("&Last Name:")->text(), "lastNameAfter");
-        QCOMPARE(QApplication::focusWidget(), switch6 ? desk.edit("&Last Name:") : id);
-    }
-
-    // Alt+S saves wherever the cursor is; postal codes show in capitals as typed.
-    void altSSavesAndPostalCodeInCapitals() {
-        Desk desk;
-        QApplication::setActiveWindow(desk.window.get());
-        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
-        QVERIFY(desk.window->showPatient(7));
-        QLineEdit* postal = desk.edit("&Postal Code:");
-        postal->setFocus();
-        QTest::keyClicks(postal, QStringLiteral("k7l 3n6"));
-        QCOMPARE(postal->text(), QStringLiteral("K7L 3N6"));
-        QTest::keyClick(desk.window->windowHandle(), Qt::Key_S, Qt::AltModifier);
-        // The button shows itself pressed for a moment before it clicks.
-        QTRY_COMPARE(
-            desk.db->scalar("Select PostalCode From Patients Where PatientID=7").toString(),
-            QStringLiteral("K7L 3N6"));
-        QCOMPARE(desk.prompter.messages().size(), 0);
     }
 
     // The health number is checked with its province when the field is left: told beside the
@@ -198,8 +174,6 @@ private slots:
         QFETCH(QString, province);
         Desk desk;
         desk.settings.option[1] = true;
-        QApplication::setActiveWindow(desk.window.get());
-        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
         desk.edit("Pr&ovince:")->setText(province);
         QLineEdit* health = desk.edit("&Health Number:");
         health->setFocus();
@@ -214,15 +188,14 @@ private slots:
     void refusedSearchIsTold() {
         Desk desk;
         desk.db->exec(QStringLiteral("Drop Table Patients"));
-        desk.window->findChild<QLineEdit*>()->setText(QStringLiteral("smith"));
-        for (auto* button : desk.window->findChildren<QPushButton*>()) {
-            if (button->text() == QLatin1String("Find")) {
-                button->click();
-            }
-        }
+        desk.window->findChild<QLineEdit*>("findText")->setText(QStringLiteral("smith"));
+        desk.click("Find");
         QCOMPARE(desk.prompter.messages().size(), 1);
         QCOMPARE(desk.prompter.last().title, QStringLiteral("Patients - New Patient"));
-        QVERIFY(desk.prompter.last().text().contains(QStringLiteral("no such table")));
+        QCOMPARE(
+            desk.prompter.last().lines.first(),
+            QStringLiteral("The database refused a statement; nothing of this action was saved."));
+        QVERIFY(desk.prompter.last().lines.last().contains(QStringLiteral("no such table")));
         QVERIFY(desk.window->isVisible());
     }
 
@@ -234,11 +207,8 @@ private slots:
         refDoc->setText(QStringLiteral("smy"));
         QTest::keyClick(refDoc, Qt::Key_Return);
         QCOMPARE(refDoc->text(), QStringLiteral("550002"));
-        bool named = false;
-        for (auto* label : desk.window->findChildren<QLabel*>()) {
-            named = named || label->text().contains(QStringLiteral("Smyth"));
-        }
-        QVERIFY(named);
+        QVERIFY(std::ranges::any_of(desk.window->findChildren<QLabel*>(),
+                                    [](QLabel* label) { return label->text().contains("Smyth"); }));
     }
 
     // Closing the main menu closes the patient window first; Cancel on its unsaved changes
@@ -252,11 +222,7 @@ private slots:
             new frmPatients(*desk.db, desk.settings, desk.prompter, desk.clock, desk.log, &menu);
         window->show();
         QVERIFY(window->showPatient(7));
-        for (auto* caption : window->findChildren<QLabel*>()) {
-            if (caption->text() == QLatin1String("Ci&ty:")) {
-                qobject_cast<QLineEdit*>(caption->buddy())->setText(QStringLiteral("Ottawa"));
-            }
-        }
+        desk.edit("Ci&ty:", window)->setText(QStringLiteral("Ottawa"));
         desk.prompter.script({Answer::Cancel});
         QVERIFY(!menu.close());
         QVERIFY(window->isVisible());
