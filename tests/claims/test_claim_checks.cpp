@@ -133,11 +133,11 @@ private slots:
                   L{"The province must be ''ON'' for OHIP (HCP,WCB) claims."});
         // Whatever the claim file could not carry as typed: too long, or not letters and digits.
         test::row("fields that do not fit the claim file",
-                  L{"payProg=WCB", "healthNum=12345678901", "versionCode=ABC", "sli=OFF-1"},
+                  L{"payProg=WCB", "healthNum=12345678901", "versionCode=ABC", "sli=OFFIC"},
                   L{"'12345678901' is not a valid health card number (it must be at most 10 "
                     "letters or digits).",
                     "Version code is invalid, must be 2 letters at most.",
-                    "'OFF-1' is not a valid service location indicator (it must be at most 4 "
+                    "'OFFIC' is not a valid service location indicator (it must be at most 4 "
                     "letters or digits)."});
         test::row("characters the claim file cannot carry",
                   L{"payProg=WCB", "healthNum=1234 5678", "sli=OF\nF", "regNum=12\r34"},

@@ -160,14 +160,11 @@ private slots:
         QCOMPARE(test::readText(o.log.path()).count("\r\n"), 2);
     }
 
+    // Read within bounds (proven with the bounded reader): a device is not read at all.
     void refusesADevice() {
         Office o;
-        SobImport sob(*o.db, o.prompter, o.log);
-        QVERIFY(!sob.run("/dev/zero").imported);
-        QCOMPARE(o.prompter.last().lines,
-                 QStringList({"The OHIP Schedule of Benefits file",
-                              "/dev/zero is not a regular file (a folder, a device or a pipe); it "
-                              "was not read."}));
+        QVERIFY(!SobImport(*o.db, o.prompter, o.log).run("/dev/zero").imported);
+        QVERIFY(o.prompter.last().text().contains("/dev/zero is not a regular file"));
     }
 
     void cancellingWritesNothing() {

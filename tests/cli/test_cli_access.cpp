@@ -8,13 +8,8 @@ using namespace brimsett;
 
 namespace {
 
-const QString kGeneral = QStringLiteral("General");
 const QString kRefused = QStringLiteral("You cannot access this feature.");
-
-// The office's passwords: Master, Billing Secretary and Secretary.
-const QString kMaster = QStringLiteral("boss");
-const QString kBilling = QStringLiteral("fees");
-const QString kSecretary = QStringLiteral("desk");
+const char* const kSobRan = "is not in the expected format.";
 
 }  // namespace
 
@@ -23,18 +18,16 @@ class TestCliAccess : public QObject {
     Q_OBJECT
 
     test::TempOffice office;
-    QMap<QString, QString> hashes;  // "Open0".."Open4" as stored with the passwords set
 
+    // Master "boss", Billing Secretary "fees" and Secretary "desk", made afresh with few rounds
+    // for each row (a login that succeeds makes its hash again), or none at all.
     void setPasswords(bool on) {
-        for (int level = 0; level < AccessLevels::kLevelCount; ++level) {
-            const QString key = QStringLiteral("Open%1").arg(level);
-            if (on && hashes.contains(key)) {
-                office.store().save(kGeneral, key, hashes.value(key));
-            } else {
-                office.store().remove(kGeneral, key);
-            }
-        }
-        office.store().sync();
+        AccessLevels levels(office.store(), 1000);
+        levels.remove(AccessLevels::kMaster);  // and every weaker level with it
+        const auto changed = AccessLevels::ChangeResult::Changed;
+        QVERIFY(!on ||
+                (levels.change(0, "boss") == changed && levels.change(2, "fees") == changed &&
+                 levels.change(4, "desk") == changed));
     }
 
     // What the commands may change: the specialty codes and one setting.
@@ -49,109 +42,63 @@ class TestCliAccess : public QObject {
 private slots:
     void initTestCase() {
         QCOMPARE(test::cli(office, {"init"}).status, 0);
-        // Few rounds, made again at the full rounds by each login that succeeds.
-        AccessLevels levels(office.store(), 1000);
-        QCOMPARE(levels.change(AccessLevels::kMaster, kMaster),
-                 AccessLevels::ChangeResult::Changed);
-        QCOMPARE(levels.change(AccessLevels::kBillingSecretary, kBilling),
-                 AccessLevels::ChangeResult::Changed);
-        QCOMPARE(levels.change(4, kSecretary), AccessLevels::ChangeResult::Changed);
-        for (int level : {0, 2, 4}) {
-            const QString key = QStringLiteral("Open%1").arg(level);
-            hashes.insert(key, office.store().get(kGeneral, key));
-        }
         test::writeText(office.file("garbage.txt"), "not a schedule\r\n");
     }
 
+    // One row per rule: no passwords open all, and a level is refused when locked, to a wrong
+    // or weaker password, and opened by its own or a stronger one.
     void commandsHonourTheLevels_data() {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("needs");  // -1: no level
+        QTest::addColumn<QStringList>("args");  // "@" stands for the row's name
+        QTest::addColumn<QString>("given");     // null: no passwords set; empty: none given
+        QTest::addColumn<QString>("needs");     // the level named in the refusal; empty: it runs
         QTest::addColumn<bool>("changes");
-        QTest::addColumn<QString>("given");    // null: passwords removed
-        QTest::addColumn<int>("givenLevel");   // the level of the given password; -1 none
         QTest::addColumn<QString>("ranSign");  // what standard error shows when it ran
-
-        struct Command {
-            const char* name;
-            QStringList args;
-            int needs;
-            bool changes;
-            QString ranSign;
-        };
-        const QList<Command> commands = {
-            {"sql insert",
-             {"sql", "Insert Into speccodes (SpecCode) Select 'C' || Count(*) From speccodes"},
-             AccessLevels::kMaster,
-             true,
-             {}},
-            // A change the first word does not tell.
-            {"sql with insert",
-             {"sql",
-              "With n(c) As (Select Count(*) From speccodes) Insert Into speccodes"
-              " (SpecCode) Select 'W' || c From n"},
-             AccessLevels::kMaster,
-             true,
-             {}},
-            {"sql query", {"sql", "Select Count(*) From speccodes"}, -1, false, {}},
-            {"settings set", {"settings", "set", "Options", "Track0", "@"}, 0, true, {}},
-            {"settings get", {"settings", "get", "General", "Open0"}, -1, false, {}},
-            {"import-sob",
-             {"import-sob", office.file("garbage.txt")},
-             AccessLevels::kBillingSecretary,
-             false,
-             "is not in the expected format."},
-            {"prepare", {"prepare", "JS"}, -1, false, {}},
-        };
-        struct Given {
-            const char* name;
-            QString password;
-            int level;
-        };
-        const QList<Given> cases = {
-            {"no passwords set", QString(), 0},  // every feature open
-            {"locked", QStringLiteral(""), -1},  // passwords set, none given
-            {"wrong password", QStringLiteral("nope"), -1},
-            {"secretary", kSecretary, 4},
-            {"billing secretary", kBilling, AccessLevels::kBillingSecretary},
-            {"master", kMaster, AccessLevels::kMaster},
-        };
-        for (const Command& c : commands) {
-            for (const Given& g : cases) {
-                QStringList args = c.args;
-                for (QString& arg : args) {
-                    arg.replace('@', QStringLiteral("%1, %2").arg(c.name, g.name));
-                }
-                QTest::addRow("%s, %s", c.name, g.name)
-                    << args << c.needs << c.changes << g.password << g.level << QString(c.ranSign);
-            }
-        }
+        using L = QStringList;
+        const L insert{"sql",
+                       "Insert Into speccodes (SpecCode) Select 'C' || Count(*) From speccodes"};
+        const L set{"settings", "set", "Options", "Track0", "@"};
+        const L sob{"import-sob", office.file("garbage.txt")};
+        test::row("no passwords set", insert, nullptr, "", true, "");
+        test::row("locked", insert, "", "Master", false, "");
+        test::row("wrong password", insert, "nope", "Master", false, "");
+        test::row("right password", insert, "boss", "", true, "");
+        test::row("weaker, to a change the first word does not tell",
+                  L{"sql",
+                    "With n(c) As (Select Count(*) From speccodes) Insert Into speccodes"
+                    " (SpecCode) Select 'W' || c From n"},
+                  "fees", "Master", false, "");
+        test::row("settings set, weaker", set, "desk", "Master", false, "");
+        test::row("settings set, right", set, "boss", "", true, "");
+        test::row("import-sob, weaker", sob, "desk", "Billing Secretary", false, kSobRan);
+        test::row("import-sob, stronger", sob, "boss", "", false, kSobRan);
+        // Reading needs no level, whatever is given.
+        test::row("sql query", L{"sql", "Select Count(*) From speccodes"}, "nope", "", false, "");
+        test::row("prepare", L{"prepare", "JS"}, "", "", false, "");
     }
     void commandsHonourTheLevels() {
         QFETCH(QStringList, args);
-        QFETCH(int, needs);
-        QFETCH(bool, changes);
         QFETCH(QString, given);
-        QFETCH(int, givenLevel);
+        QFETCH(QString, needs);
+        QFETCH(bool, changes);
         QFETCH(QString, ranSign);
+        args.replaceInStrings("@", QTest::currentDataTag());
         setPasswords(!given.isNull());
         const QString before = state();
 
         const test::CliResult r = test::cli(office, args, given.isEmpty() ? QString() : given);
-        const bool refused = needs >= 0 && (givenLevel < 0 || givenLevel > needs);
-        QVERIFY2(r.err.contains(kRefused) == refused, qPrintable(r.err));
-        QCOMPARE(r.err.contains("Invalid Password"), needs >= 0 && given == QLatin1String("nope"));
-        if (!ranSign.isEmpty()) {
-            QVERIFY2(r.err.contains(ranSign) == !refused, qPrintable(r.err));
-        }
-        if (refused) {
+        QCOMPARE(r.err.contains("Invalid Password"), given == "nope" && !needs.isEmpty());
+        QVERIFY2(r.err.contains(ranSign) == (ranSign.isEmpty() || needs.isEmpty()),
+                 qPrintable(r.err));
+        if (needs.isEmpty()) {
+            QVERIFY2(!r.err.contains(kRefused), qPrintable(r.err));
+            QCOMPARE(state() != before, changes);
+        } else {
             QVERIFY(r.status != 0);
-            QVERIFY2(
-                r.err.contains("It requires the [" + AccessLevels::levelName(needs) + "] password"),
-                qPrintable(r.err));
+            QVERIFY2(r.err.contains(kRefused) &&
+                         r.err.contains("It requires the [" + needs + "] password"),
+                     qPrintable(r.err));
             QCOMPARE(r.out, QString());
             QCOMPARE(state(), before);
-        } else {
-            QCOMPARE(state() != before, changes);
         }
     }
 };

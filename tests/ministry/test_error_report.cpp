@@ -132,19 +132,10 @@ private slots:
         QTest::addColumn<QString>("header");
         QTest::addColumn<QString>("doctor");  // group|provider|specialty; empty: none
         QTest::addColumn<QString>("read");    // group|provider|specialty; empty: refused
-        const QString both = record({{1, "HX1V03J"}, {18, "000"}, {21, "000012345678900"}});
-        test::row("the ministry's placement, its doctor", hx1(), "0000|102152|00",
+        test::row("the placement of the office's doctor", hx1(), "0000|102152|00",
                   "0000|102152|00");
-        // The same header reads a valid number in the V03 placement too.
-        test::row("the ministry's placement, no doctor", hx1(), "", "0000|000102|15");
-        test::row("the V03 placement, its doctor", record({{1, "HX1V03J"}, {21, "BAAA65432112"}}),
-                  "BAAA|654321|12", "BAAA|654321|12");
-        test::row("numbers both ways, the V03 placement's doctor", both, "0000|123456|78",
-                  "0000|123456|78");
-        test::row("numbers both ways, the other's doctor", both, "0123|456789|00",
-                  "0123|456789|00");
-        test::row("numbers both ways, no doctor", both, "", "0000|123456|78");
-        test::row("only the ministry's placement valid", hx1("BHAA", "010092"), "",
+        test::row("no doctor: the V03 placement", hx1(), "", "0000|000102|15");
+        test::row("no doctor, the V03 placement not valid: the other", hx1("BHAA", "010092"), "",
                   "BHAA|010092|00");
         test::row("neither valid", record({{1, "HX1V03J"}, {21, "ABCDEFGHIJKLMNO"}}), "", "");
     }
