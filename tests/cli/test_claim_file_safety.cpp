@@ -140,7 +140,7 @@ private slots:
         for (int statement = 1; statement < 400; ++statement) {
             points << QStringLiteral("statement:%1").arg(statement);
         }
-        int killed = 0;
+        int statementsKilled = 0;
         for (const QString& point : points) {
             office.addClaims(QStringLiteral("AB"), 2);
             auto run = start(office.temp, {"prepare", "AB"}, point);
@@ -149,13 +149,15 @@ private slots:
             QVERIFY(succeeded(*start(office.temp, {"prepare", "AB"})));
             QCOMPARE(office.problems(true), QStringList());
             QCOMPARE(office.number("Select Count(*) From claims Where BatchID='000000000000'"), 0);
-            if (!died) {
-                QVERIFY2(point.startsWith("statement:"), qPrintable(point));
-                break;  // past the last statement, so past every point
+            if (!point.startsWith(QStringLiteral("statement:"))) {
+                QVERIFY2(died, qPrintable(point + " was never reached"));
+            } else if (died) {
+                ++statementsKilled;
+            } else {
+                break;  // past the last statement
             }
-            ++killed;
         }
-        QVERIFY2(killed > 20, qPrintable(QString::number(killed)));
+        QVERIFY2(statementsKilled > 10, qPrintable(QString::number(statementsKilled)));
         QVERIFY(QDir(office.temp.file("SetAside")).exists());
     }
 
