@@ -1,5 +1,6 @@
 #include "appointments/AppointmentTime.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace brimsett::appointments {
@@ -26,6 +27,33 @@ QString TimeText(int minutes) {
     return Hour12(hour).rightJustified(2) + QLatin1Char(':') +
            QString::number(minutes % 60).rightJustified(2, QLatin1Char('0')) + QLatin1Char(' ') +
            AmPm(hour);
+}
+
+std::optional<int> parseTimeText(const QString& text) {
+    static const QRegularExpression pattern(
+        QStringLiteral("^\\s*(\\d{1,2}):(\\d{2})\\s*(am|pm)?\\s*$"),
+        QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = pattern.match(text);
+    if (!m.hasMatch()) {
+        return std::nullopt;
+    }
+    int hour = m.captured(1).toInt();
+    const int minute = m.captured(2).toInt();
+    const QString half = m.captured(3).toLower();
+    if (minute > 59) {
+        return std::nullopt;
+    }
+    if (half.isEmpty()) {
+        if (hour > 23) {
+            return std::nullopt;
+        }
+    } else {
+        if (hour < 1 || hour > 12) {
+            return std::nullopt;
+        }
+        hour = hour % 12 + (half == QLatin1String("pm") ? 12 : 0);
+    }
+    return hour * 60 + minute;
 }
 
 }  // namespace brimsett::appointments

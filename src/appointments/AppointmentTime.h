@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 // Appointment statuses and the time of day as the book writes it. Times are whole minutes
 // since midnight; a day has 1440.
 namespace brimsett::appointments {
@@ -22,5 +24,10 @@ QString AmPm(int hour);
 // The hour right-aligned in two characters, ":", two-digit minutes, " am"/" pm":
 // 545 reads " 9:05 am", 720 "12:00 pm".
 QString TimeText(int minutes);
+
+// Minutes since midnight from a time as typed: "H:MM" with "am" or "pm" (blanks and case
+// free, hour 1 to 12), or "H:MM" on the 24-hour clock (hour 0 to 23). TimeText's own text
+// reads back. Nothing for anything else ("13:75", "0:30 am", "9.30").
+std::optional<int> parseTimeText(const QString& text);
 
 }  // namespace brimsett::appointments

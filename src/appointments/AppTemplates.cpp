@@ -1,0 +1,149 @@
+#include "appointments/AppTemplates.h"
+
+#include "appointments/AppointmentTime.h"
+#include "appointments/SlotTypes.h"
+#include "foundation/Database.h"
+#include "foundation/NextId.h"
+#include "foundation/Prompter.h"
+
+namespace brimsett::appointments {
+
+namespace {
+
+QString timeProblem(int time) {
+    return time >= 0 && time < kMinutesPerDay
+               ? QString()
+               : QStringLiteral("A time must lie between 12:00 am and 11:59 pm.");
+}
+
+QString typeProblem(Database& db, int slotType) {
+    return slotTypeById(db, slotType)
+               ? QString()
+               : QStringLiteral("Slot type %1 does not exist.").arg(slotType);
+}
+
+QString goneProblem(int appTempId) {
+    return QStringLiteral("Template slot %1 no longer exists.").arg(appTempId);
+}
+
+}  // namespace
+
+int templateDay(const QDate& date) {
+    return date.dayOfWeek() % 7 + 1;
+}
+
+QList<TemplateSlot> templateRows(Database& db, const QString& doctorId, int day) {
+    QList<TemplateSlot> rows;
+    QSqlQuery q = db.exec(QStringLiteral("Select AppTempID, DoctorID, Day, TemplateTime, TimeSlot "
+                                         "From apptemplates Where DoctorID=? And Day=? "
+                                         "Order By TemplateTime, AppTempID"),
+                          {doctorId, day}, QStringLiteral("reading the template of ") + doctorId);
+    while (q.next()) {
+        rows << TemplateSlot{q.value(0).toInt(), q.value(1).toString(), q.value(2).toInt(),
+                             q.value(3).toInt(), q.value(4).toInt()};
+    }
+    return rows;
+}
+
+QList<TemplateSlot> templateFor(Database& db, const QString& doctorId, int day) {
+    QList<TemplateSlot> rows = templateRows(db, doctorId, day);
+    if (rows.isEmpty() && doctorId != defaultTemplateDoctor()) {
+        rows = templateRows(db, defaultTemplateDoctor(), day);
+    }
+    return rows;
+}
+
+QList<TemplateRow> templateList(Database& db, const QString& doctorId, int day) {
+    const QList<SlotType> types = LoadSlotTypes(db);
+    QList<TemplateRow> list;
+    for (const TemplateSlot& slot : templateRows(db, doctorId, day)) {
+        TemplateRow row{slot, {}, 0};
+        if (const std::optional<SlotType> type = findSlotType(types, slot.slotType)) {
+            row.typeName = type->name;
+            row.color = type->color;
+        }
+        list << row;
+    }
+    return list;
+}
+
+QString insertTemplateSlot(Database& db, TemplateSlot& slot) {
+    if (slot.day < kFirstDay || slot.day > kLastDay) {
+        return QStringLiteral("A day must be 1 (Sunday) to 7 (Saturday).");
+    }
+    if (const QString problem = timeProblem(slot.time); !problem.isEmpty()) {
+        return problem;
+    }
+    const QString doctorId = slot.doctorId.trimmed();
+    if (doctorId.isEmpty()) {
+        return QStringLiteral("Doctor ID must be entered.");
+    }
+    Transaction transaction(db, QStringLiteral("adding a template slot for ") + doctorId);
+    if (doctorId != defaultTemplateDoctor() &&
+        !db.scalar(QStringLiteral("Select Count(*) From Doctors Where DoctorID=?"), {doctorId})
+             .toInt()) {
+        return QStringLiteral("Doctor %1 does not exist.").arg(doctorId);
+    }
+    if (const QString problem = typeProblem(db, slot.slotType); !problem.isEmpty()) {
+        return problem;
+    }
+    const int id = int(nextId(db, QStringLiteral("apptemplates"), QStringLiteral("AppTempID")));
+    db.exec(QStringLiteral("Insert Into apptemplates (AppTempID, DoctorID, Day, TemplateTime, "
+                           "TimeSlot) Values (?, ?, ?, ?, ?)"),
+            {id, doctorId, slot.day, slot.time, slot.slotType},
+            QStringLiteral("adding a template slot for ") + doctorId);
+    transaction.commit();
+    slot.id = id;
+    slot.doctorId = doctorId;
+    return {};
+}
+
+QString setTemplateTime(Database& db, int appTempId, int time) {
+    if (const QString problem = timeProblem(time); !problem.isEmpty()) {
+        return problem;
+    }
+    Transaction transaction(db, QStringLiteral("changing template slot %1").arg(appTempId));
+    const QSqlQuery q =
+        db.exec(QStringLiteral("Update apptemplates Set TemplateTime=? Where AppTempID=?"),
+                {time, appTempId}, QStringLiteral("changing template slot %1").arg(appTempId));
+    if (q.numRowsAffected() == 0) {
+        return goneProblem(appTempId);
+    }
+    transaction.commit();
+    return {};
+}
+
+QString setTemplateType(Database& db, int appTempId, int slotType) {
+    Transaction transaction(db, QStringLiteral("changing template slot %1").arg(appTempId));
+    if (const QString problem = typeProblem(db, slotType); !problem.isEmpty()) {
+        return problem;
+    }
+    const QSqlQuery q =
+        db.exec(QStringLiteral("Update apptemplates Set TimeSlot=? Where AppTempID=?"),
+                {slotType, appTempId}, QStringLiteral("changing template slot %1").arg(appTempId));
+    if (q.numRowsAffected() == 0) {
+        return goneProblem(appTempId);
+    }
+    transaction.commit();
+    return {};
+}
+
+bool deleteTemplateSlot(Database& db, Prompter& prompter, int appTempId) {
+    if (!prompter.confirm(QStringLiteral("Confirm Delete"),
+                          {QStringLiteral("Are you sure you want to"),
+                           QStringLiteral("delete this time slot?")})) {
+        return false;
+    }
+    Transaction transaction(db, QStringLiteral("deleting template slot %1").arg(appTempId));
+    const QSqlQuery q =
+        db.exec(QStringLiteral("Delete From apptemplates Where AppTempID=?"), {appTempId},
+                QStringLiteral("deleting template slot %1").arg(appTempId));
+    if (q.numRowsAffected() == 0) {
+        prompter.error({goneProblem(appTempId)});
+        return false;
+    }
+    transaction.commit();
+    return true;
+}
+
+}  // namespace brimsett::appointments
