@@ -1,0 +1,48 @@
+#pragma once
+
+#include "appointments/Appointment.h"
+
+#include <QList>
+#include <QStringList>
+
+namespace brimsett {
+class Database;
+class SqlLog;
+}  // namespace brimsett
+
+namespace brimsett::appointments {
+
+// Reading and writing appointment rows. The writes run inside the caller's transaction (a
+// savepoint of it) and append the statements to logLines, for the caller to log after its
+// commit; a statement the database refuses throws DbError.
+class AppointmentStore {
+public:
+    explicit AppointmentStore(Database& db) : m_db(db) {}
+
+    // The row with its slot type's name and colour and the patient's name, phone and
+    // birth date; none when there is no such appointment.
+    std::optional<Appointment> load(qint64 appId);
+    // A doctor's appointments of a day, cancelled ones included, in the book's order.
+    QList<Appointment> day(const QString& doctorId, const QDate& date);
+    // The doctor's appointments of the day that are not cancelled and share a minute with
+    // [time, time + length), other than `except`.
+    QList<Appointment> overlapping(const QString& doctorId, const QDate& date, int time, int length,
+                                   qint64 except);
+    // Whether the lab-requisition program made the appointment (its rows are read-only here).
+    bool isRequisition(qint64 appId);
+
+    // Writes a new row under the next AppID and returns that number.
+    qint64 insert(const Appointment& appointment, QStringList& logLines);
+    // Writes every stored field of an existing row back.
+    void update(const Appointment& appointment, QStringList& logLines);
+
+    // The book's order of a day's rows.
+    static QString bookOrder() {
+        return QStringLiteral(" Order By AppTime Asc,AppLength Desc,AppID Asc");
+    }
+
+private:
+    Database& m_db;
+};
+
+}  // namespace brimsett::appointments
