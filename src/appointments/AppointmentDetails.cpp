@@ -135,6 +135,23 @@ CheckedDetails checkDetails(Database& db, const DetailsInput& in) {
     return out;
 }
 
+void fillFromPatient(Database& db, DetailsInput& input) {
+    bool ok = false;
+    const qint64 id = input.patientId.trimmed().toLongLong(&ok);
+    if (!ok) {
+        return;
+    }
+    QSqlQuery q =
+        db.exec(QStringLiteral("Select LName, FName, HPhone From patients Where PatientID=?"), {id},
+                QStringLiteral("reading patient %1").arg(id));
+    if (q.next()) {
+        // Cut to the columns' widths, as the book's name and phone are only for showing.
+        input.patientName =
+            (q.value(0).toString() + QStringLiteral(", ") + q.value(1).toString()).left(50);
+        input.patientPhone = q.value(2).toString().left(20);
+    }
+}
+
 void chooseSlotType(DetailsInput& input, const SlotType& type) {
     input.slotType = QString::number(type.id);
     input.length = QString::number(type.defaultLength);

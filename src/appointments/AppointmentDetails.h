@@ -56,6 +56,10 @@ struct CheckedDetails {
 // the end of the day), slot type, then the health number of an Ontario patient.
 CheckedDetails checkDetails(Database& db, const DetailsInput& input);
 
+// A registered patient's "Last, First" and home phone as the name and phone shown in the
+// book; nothing changes when the number is not a registered patient's.
+void fillFromPatient(Database& db, DetailsInput& input);
+
 // Choosing a slot type puts its ID, default length and codes in the details, over any
 // length typed before.
 void chooseSlotType(DetailsInput& input, const SlotType& type);
