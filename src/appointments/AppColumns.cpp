@@ -1,0 +1,80 @@
+#include "appointments/AppColumns.h"
+
+#include "foundation/Database.h"
+
+#include <QSqlRecord>
+
+namespace brimsett::appointments {
+
+namespace {
+
+QString knownAlign(const QString& align) {
+    for (const char* known : {"Left", "Right", "Center"}) {
+        if (align.compare(QLatin1String(known), Qt::CaseInsensitive) == 0) {
+            return QLatin1String(known);
+        }
+    }
+    return QStringLiteral("Left");
+}
+
+}  // namespace
+
+QList<GridColumn> defaultColumns() {
+    struct Shipped {
+        const char* name;
+        bool visible;
+        bool print;
+        int width;
+        const char* align;
+    };
+    static const Shipped shipped[] = {
+        {"Time", true, true, 70, "Right"},         {"Length", true, true, 50, "Right"},
+        {"Patient", true, true, 180, "Left"},      {"Phone", true, true, 100, "Left"},
+        {"Type", true, true, 90, "Left"},          {"Status", true, true, 80, "Left"},
+        {"Notes", true, true, 220, "Left"},        {"Service", false, false, 60, "Center"},
+        {"Diagnosis", false, false, 60, "Center"},
+    };
+    QList<GridColumn> columns;
+    for (const Shipped& s : shipped) {
+        const int n = int(columns.size());
+        columns << GridColumn{n + 1,   QLatin1String(s.name),  s.visible, s.print,
+                              s.width, QLatin1String(s.align), n};
+    }
+    return columns;
+}
+
+QList<GridColumn> LoadColumns(Database& db) {
+    if (db.scalar(QStringLiteral("Select Count(*) From appcolumns")).toInt() == 0) {
+        return defaultColumns();
+    }
+    QList<GridColumn> columns;
+    QSqlQuery q = db.exec(QStringLiteral("Select * From appcolumns Order By ID"), {},
+                          QStringLiteral("reading the book's columns"));
+    while (q.next()) {
+        const QSqlRecord r = q.record();
+        columns << GridColumn{r.value(QStringLiteral("ID")).toInt(),
+                              r.value(QStringLiteral("Name")).toString(),
+                              r.value(QStringLiteral("Visible")).toBool(),
+                              r.value(QStringLiteral("Print")).toBool(),
+                              r.value(QStringLiteral("Width")).toInt(),
+                              knownAlign(r.value(QStringLiteral("Align")).toString()),
+                              r.value(QStringLiteral("ColumnOrder")).toInt()};
+    }
+    return columns;
+}
+
+void SaveColumns(Database& db, const QList<GridColumn>& columns) {
+    Transaction transaction(db, QStringLiteral("saving the book's columns"));
+    db.exec(QStringLiteral("Delete From appcolumns"), {},
+            QStringLiteral("saving the book's columns"));
+    for (int i = 0; i < columns.size(); ++i) {
+        const GridColumn& c = columns.at(i);
+        db.exec(QStringLiteral("Insert Into appcolumns (ID, Name, Visible, Print, Width, Align, "
+                               "ColumnOrder) Values (?, ?, ?, ?, ?, ?, ?)"),
+                {i + 1, c.name, c.visible, c.print, c.width, knownAlign(c.align), i},
+                QStringLiteral("saving the book's column ") + c.name);
+    }
+    transaction.commit();
+}
+
+}  // namespace brimsett::appointments

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace brimsett {
+class Database;
+}
+
+// The columns of the book's day grid (AppColumns): which show, which print, how wide and how
+// aligned, in the order the desk arranged them.
+namespace brimsett::appointments {
+
+struct GridColumn {
+    int id = 0;
+    QString name;
+    bool visible = true;
+    bool print = true;
+    int width = 0;                           // pixels
+    QString align = QStringLiteral("Left");  // "Left", "Right" or "Center"
+    int order = 0;                           // ColumnOrder
+};
+
+// The set shipped with the program, used until the desk saves its own.
+QList<GridColumn> defaultColumns();
+
+// The saved columns by ID, or the shipped set when none are saved; nothing is written.
+QList<GridColumn> LoadColumns(Database& db);
+
+// Replaces every saved column with these, in one transaction: each is written with its
+// position in the list as ID (from 1) and ColumnOrder (from 0), so they load back in this
+// order. An alignment other than the three is written as "Left".
+void SaveColumns(Database& db, const QList<GridColumn>& columns);
+
+}  // namespace brimsett::appointments

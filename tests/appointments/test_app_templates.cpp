@@ -1,0 +1,198 @@
+#include "OfficeFixture.h"
+
+#include "appointments/AppColumns.h"
+#include "appointments/AppTemplates.h"
+
+#include <QtTest>
+
+using namespace brimsett;
+using namespace brimsett::appointments;
+using test::row;
+
+namespace {
+
+// Doctors AB (a Monday template of its own) and JS (none); the default template has Monday
+// and Tuesday. Slot types 1 "Visit" (red) and 2 "Lunch".
+struct Office : test::OfficeFixture {
+    Office() {
+        for (const char* id : {"AB", "JS"}) {
+            db->exec(QStringLiteral("Insert Into Doctors (DoctorID, LName) Values (?, 'Smith')"),
+                     {QString::fromLatin1(id)});
+        }
+        db->exec("Insert Into AppTimeSlots (ID, Name, Color, Type) Values (1, 'Visit', 255, 0)");
+        db->exec("Insert Into AppTimeSlots (ID, Name, Color, Type) Values (2, 'Lunch', 0, 1)");
+        const QList<QVariantList> rows = {{1, "AB", 2, 600, 1},
+                                          {2, "AB", 2, 540, 2},
+                                          {3, "(d)", 2, 480, 1},
+                                          {4, "(d)", 3, 720, 2},
+                                          {5, "(d)", 2, 450, 2}};
+        for (const QVariantList& r : rows) {
+            db->exec(QStringLiteral("Insert Into AppTemplates (AppTempID, DoctorID, Day, "
+                                    "TemplateTime, TimeSlot) Values (?, ?, ?, ?, ?)"),
+                     r);
+        }
+    }
+    QString rows() {
+        return test::rowsOf(db->exec("Select AppTempID, DoctorID, Day, TemplateTime, TimeSlot "
+                                     "From AppTemplates Order By 1"))
+            .join(' ');
+    }
+};
+
+QString ids(const QList<TemplateSlot>& rows) {
+    QStringList out;
+    for (const TemplateSlot& s : rows) {
+        out << QString::number(s.id);
+    }
+    return out.join(' ');
+}
+
+const QString kRows =
+    QStringLiteral("1|AB|2|600|1 2|AB|2|540|2 3|(d)|2|480|1 4|(d)|3|720|2 5|(d)|2|450|2");
+
+}  // namespace
+
+class TestAppTemplates : public QObject {
+    Q_OBJECT
+
+private slots:
+    void dayNumbersStartOnSunday() {
+        // 2026/11/22 is a Sunday.
+        for (int i = 0; i < 7; ++i) {
+            QCOMPARE(templateDay(QDate(2026, 11, 22).addDays(i)), kFirstDay + i);
+        }
+    }
+
+    void templateForADay_data() {
+        QTest::addColumn<QString>("doctor");
+        QTest::addColumn<int>("day");
+        QTest::addColumn<QString>("ids");  // in the order of their times
+        row("the doctor's own, by time", "AB", 2, "2 1");
+        row("no own rows that day: the default's", "AB", 3, "4");
+        row("a doctor without a template", "JS", 2, "5 3");
+        row("the default itself", "(d)", 2, "5 3");
+        row("a day nobody has", "JS", 1, "");
+    }
+    void templateForADay() {
+        QFETCH(QString, doctor);
+        QFETCH(int, day);
+        Office office;
+        QTEST(ids(templateFor(*office.db, doctor, day)), "ids");
+    }
+
+    void listShowsTypeNameAndColour() {
+        Office office;
+        office.db->exec("Update AppTemplates Set TimeSlot=9 Where AppTempID=2");
+        const QList<TemplateRow> list = templateList(*office.db, "AB", 2);
+        QCOMPARE(list.size(), 2);
+        QCOMPARE(list[0].slot.id, 2);
+        QCOMPARE(list[0].typeName, QString());  // its type is gone
+        QCOMPARE(list[1].typeName, QStringLiteral("Visit"));
+        QCOMPARE(list[1].color, 0xFF0000);
+        QVERIFY(templateList(*office.db, "JS", 2).isEmpty());
+    }
+
+    // One change of the kind the setup screen makes; "" when it was written.
+    void changes_data() {
+        QTest::addColumn<QString>(
+            "change");  // "insert DOCTOR DAY TIME TYPE", "time ID T", "type ID T"
+        QTest::addColumn<QString>("refusal");
+        QTest::addColumn<QString>("rows");  // kRows followed by
+        row("insert for a doctor", "insert JS 4 1439 2", "", " 6|JS|4|1439|2");
+        row("insert into the default", "insert (d) 7 0 1", "", " 6|(d)|7|0|1");
+        row("insert at 1440", "insert JS 4 1440 1",
+            "A time must lie between 12:00 am and 11:59 pm.", "");
+        row("insert before midnight", "insert JS 4 -1 1",
+            "A time must lie between 12:00 am and 11:59 pm.", "");
+        row("insert on day 8", "insert JS 8 600 1", "A day must be 1 (Sunday) to 7 (Saturday).",
+            "");
+        row("insert an unknown type", "insert JS 4 600 3", "Slot type 3 does not exist.", "");
+        row("insert for an unknown doctor", "insert ZZ 4 600 1", "Doctor ZZ does not exist.", "");
+        row("change a time", "time 1 615", "", "");
+        row("change a time past the day", "time 1 1440",
+            "A time must lie between 12:00 am and 11:59 pm.", "");
+        row("change a type", "type 1 2", "", "");
+        row("change to an unknown type", "type 1 3", "Slot type 3 does not exist.", "");
+        row("change a row that is gone", "time 9 600", "Template slot 9 no longer exists.", "");
+    }
+    void changes() {
+        QFETCH(QString, change);
+        QFETCH(QString, refusal);
+        QFETCH(QString, rows);
+        Office office;
+        const QStringList w = change.split(' ');
+        QString answer;
+        QString expected = kRows + rows;
+        if (w[0] == "insert") {
+            TemplateSlot slot{0, w[1], w[2].toInt(), w[3].toInt(), w[4].toInt()};
+            answer = insertTemplateSlot(*office.db, slot);
+            QCOMPARE(slot.id, refusal.isEmpty() ? 6 : 0);
+        } else if (w[0] == "time") {
+            answer = setTemplateTime(*office.db, w[1].toInt(), w[2].toInt());
+            if (refusal.isEmpty()) {
+                expected.replace("1|AB|2|600|1", "1|AB|2|" + w[2] + "|1");
+            }
+        } else {
+            answer = setTemplateType(*office.db, w[1].toInt(), w[2].toInt());
+            if (refusal.isEmpty()) {
+                expected.replace("1|AB|2|600|1", "1|AB|2|600|" + w[2]);
+            }
+        }
+        QCOMPARE(answer, refusal);
+        QCOMPARE(office.rows(), expected);
+    }
+
+    void deleteAsksFirst_data() {
+        QTest::addColumn<bool>("yes");
+        row("Yes", true);
+        row("No", false);
+    }
+    void deleteAsksFirst() {
+        QFETCH(bool, yes);
+        Office office;
+        office.prompter.script({yes ? Answer::Yes : Answer::No});
+        QCOMPARE(deleteTemplateSlot(*office.db, office.prompter, 2), yes);
+        QCOMPARE(office.prompter.last().text(),
+                 QStringLiteral("Are you sure you want to\ndelete this time slot?"));
+        QCOMPARE(office.prompter.last().defaultAnswer, Answer::No);
+        QCOMPARE(office.rows(), yes ? QString(kRows).remove(" 2|AB|2|540|2") : kRows);
+    }
+
+    void columnsShippedUntilSaved() {
+        Office office;
+        const QList<GridColumn> shipped = LoadColumns(*office.db);
+        QCOMPARE(shipped.size(), defaultColumns().size());
+        QCOMPARE(shipped.first().name, QStringLiteral("Time"));
+        QCOMPARE(office.db->scalar("Select Count(*) From AppColumns").toInt(), 0);
+
+        // The desk drags Patient first, renames and hides Phone and centres Notes.
+        QList<GridColumn> mine = shipped;
+        mine.move(2, 0);
+        mine[3].name = "Telephone";
+        mine[3].visible = false;
+        mine[6].align = "center";
+        mine.removeLast();
+        SaveColumns(*office.db, mine);
+        const QList<GridColumn> loaded = LoadColumns(*office.db);
+        QCOMPARE(loaded.size(), mine.size());
+        for (int i = 0; i < loaded.size(); ++i) {
+            QCOMPARE(loaded[i].name, mine[i].name);
+            QCOMPARE(loaded[i].visible, mine[i].visible);
+            QCOMPARE(loaded[i].print, mine[i].print);
+            QCOMPARE(loaded[i].width, mine[i].width);
+            QCOMPARE(loaded[i].order, i);
+        }
+        QCOMPARE(loaded[0].name, QStringLiteral("Patient"));
+        QCOMPARE(loaded[6].align, QStringLiteral("Center"));
+
+        // A save that fails part-way keeps the columns saved before.
+        office.db->exec(
+            "Create Trigger fail Before Insert On AppColumns When New.ID = 3 "
+            "Begin Select Raise(Abort, 'disk full'); End");
+        QVERIFY_THROWS_EXCEPTION(DbError, SaveColumns(*office.db, shipped));
+        QCOMPARE(LoadColumns(*office.db).size(), mine.size());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAppTemplates)
+#include "test_app_templates.moc"
