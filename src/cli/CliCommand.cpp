@@ -64,14 +64,11 @@ QString optionsTable(const QList<CliOption>& options) {
     return table(rows);
 }
 
-QString groupOf(const CliCommand& command) {
-    return command.name.section(QLatin1Char(' '), 0, 0);
-}
-
+// The commands whose names begin with the group's words ("appt", "appt slot-type").
 QList<const CliCommand*> groupCommands(const QString& group) {
     QList<const CliCommand*> found;
     for (const CliCommand& command : registry()) {
-        if (command.name.contains(QLatin1Char(' ')) && groupOf(command) == group) {
+        if (command.name.startsWith(group + QLatin1Char(' '))) {
             found.append(&command);
         }
     }
@@ -191,35 +188,51 @@ QString programHelp(const QList<CliOption>& globalOptions) {
 }
 
 std::variant<Found, int> find(const QStringList& words, const QList<CliOption>& globalOptions) {
-    const QString first = words.value(0);
+    // The longest name the words begin with, so "appt slot-type add" wins over any shorter.
+    const CliCommand* best = nullptr;
+    qsizetype bestWords = 0;
     for (const CliCommand& command : registry()) {
-        if (command.name == first) {
-            return Found{&command, words.mid(1)};
+        const QStringList name = command.name.split(QLatin1Char(' '));
+        if (name.size() > bestWords && words.mid(0, name.size()) == name) {
+            best = &command;
+            bestWords = name.size();
         }
     }
-    const QList<const CliCommand*> group = groupCommands(first);
-    if (group.isEmpty()) {
+    if (best) {
+        return Found{best, words.mid(bestWords)};
+    }
+    // Otherwise the longest group the words name: its help, or what is missing in it.
+    QString group;
+    QList<const CliCommand*> members;
+    qsizetype depth = 0;
+    for (qsizetype n = 1; n <= words.size(); ++n) {
+        const QString prefix = words.mid(0, n).join(QLatin1Char(' '));
+        const QList<const CliCommand*> found = groupCommands(prefix);
+        if (found.isEmpty()) {
+            break;
+        }
+        group = prefix;
+        members = found;
+        depth = n;
+    }
+    const QString first = words.value(0);
+    if (members.isEmpty()) {
         return usageError(kProgram,
                           first.isEmpty() ? QStringLiteral("missing command")
                                           : QStringLiteral("unknown command ") + first,
                           programHelp(globalOptions));
     }
-    const QString second = words.value(1);
-    if (second == QLatin1String("--help") || second == QLatin1String("-h")) {
+    const QString next = words.value(depth);
+    if (next == QLatin1String("--help") || next == QLatin1String("-h")) {
         QTextStream(stdout) << "commands:\n"
-                            << commandsTable(group) << "\n'" << kProgram << " " << first
+                            << commandsTable(members) << "\n'" << kProgram << " " << group
                             << " COMMAND --help' tells a command's arguments and options.\n";
         return 0;
     }
-    for (const CliCommand* command : group) {
-        if (command->name == first + QLatin1Char(' ') + second) {
-            return Found{command, words.mid(2)};
-        }
-    }
-    return usageError(kProgram + QLatin1Char(' ') + first,
-                      second.isEmpty() ? QStringLiteral("missing command")
-                                       : QStringLiteral("unknown command ") + second,
-                      groupUsage(group));
+    return usageError(kProgram + QLatin1Char(' ') + group,
+                      next.isEmpty() ? QStringLiteral("missing command")
+                                     : QStringLiteral("unknown command ") + next,
+                      groupUsage(members));
 }
 
 std::variant<CliArgs, int> parse(const CliCommand& command, const QStringList& words) {

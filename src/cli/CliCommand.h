@@ -30,8 +30,9 @@ struct CliArgument {
 };
 
 // One command of brimsett-cli, declared once: its parsing, its usage line, its --help and its
-// line in "brimsett-cli --help" all come from here. A name of two words ("claim add") makes
-// the first word a group, whose own --help lists its commands.
+// line in "brimsett-cli --help" all come from here. A name of several words ("claim add",
+// "appt slot-type add") makes each of its leading words a group, whose own --help lists
+// its commands.
 struct CliCommand {
     QString name{};
     QString summary{};  // one line
