@@ -1,6 +1,8 @@
 #include "appointments/AppColumns.h"
 
 #include "foundation/Database.h"
+#include "foundation/SqlLog.h"
+#include "foundation/SqlStatementBuilder.h"
 
 #include <QSqlRecord>
 
@@ -63,18 +65,30 @@ QList<GridColumn> LoadColumns(Database& db) {
     return columns;
 }
 
-void SaveColumns(Database& db, const QList<GridColumn>& columns) {
+void SaveColumns(Database& db, const SqlLog& log, const QList<GridColumn>& columns) {
+    using Kind = SqlStatementBuilder::Kind;
+    QStringList logged = {QStringLiteral("Delete From appcolumns")};
     Transaction transaction(db, QStringLiteral("saving the book's columns"));
-    db.exec(QStringLiteral("Delete From appcolumns"), {},
-            QStringLiteral("saving the book's columns"));
+    db.exec(logged.first(), {}, QStringLiteral("saving the book's columns"));
     for (int i = 0; i < columns.size(); ++i) {
         const GridColumn& c = columns.at(i);
-        db.exec(QStringLiteral("Insert Into appcolumns (ID, Name, Visible, Print, Width, Align, "
-                               "ColumnOrder) Values (?, ?, ?, ?, ?, ?, ?)"),
-                {i + 1, c.name, c.visible, c.print, c.width, knownAlign(c.align), i},
-                QStringLiteral("saving the book's column ") + c.name);
+        SqlStatementBuilder b;
+        b.beginInsert(QStringLiteral("appcolumns"));
+        b.addField(QStringLiteral("ID"), i + 1, Kind::Number);
+        b.addField(QStringLiteral("Name"), c.name, Kind::Text);
+        b.addField(QStringLiteral("Visible"), c.visible, Kind::Number);
+        b.addField(QStringLiteral("Print"), c.print, Kind::Number);
+        b.addField(QStringLiteral("Width"), c.width, Kind::Number);
+        b.addField(QStringLiteral("Align"), knownAlign(c.align), Kind::Text);
+        b.addField(QStringLiteral("ColumnOrder"), i, Kind::Number);
+        const SqlStatementBuilder::Bound bound = b.boundInsert();
+        db.exec(bound.sql, bound.values, QStringLiteral("saving the book's column ") + c.name);
+        logged << b.finishInsert();
     }
     transaction.commit();
+    for (const QString& statement : std::as_const(logged)) {
+        log.write(statement);
+    }
 }
 
 }  // namespace brimsett::appointments

@@ -5,7 +5,8 @@
 
 namespace brimsett {
 class Database;
-}
+class SqlLog;
+}  // namespace brimsett
 
 // The columns of the book's day grid (AppColumns): which show, which print, how wide and how
 // aligned, in the order the desk arranged them.
@@ -29,7 +30,7 @@ QList<GridColumn> LoadColumns(Database& db);
 
 // Replaces every saved column with these, in one transaction: each is written with its
 // position in the list as ID (from 1) and ColumnOrder (from 0), so they load back in this
-// order. An alignment other than the three is written as "Left".
-void SaveColumns(Database& db, const QList<GridColumn>& columns);
+// order. An alignment other than the three is written as "Left". Logged after the commit.
+void SaveColumns(Database& db, const SqlLog& log, const QList<GridColumn>& columns);
 
 }  // namespace brimsett::appointments

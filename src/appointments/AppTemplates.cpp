@@ -5,6 +5,8 @@
 #include "foundation/Database.h"
 #include "foundation/NextId.h"
 #include "foundation/Prompter.h"
+#include "foundation/SqlLog.h"
+#include "foundation/SqlText.h"
 
 namespace brimsett::appointments {
 
@@ -24,6 +26,27 @@ QString typeProblem(Database& db, int slotType) {
 
 QString goneProblem(int appTempId) {
     return QStringLiteral("Template slot %1 no longer exists.").arg(appTempId);
+}
+
+// "Update apptemplates Set COLUMN=value Where AppTempID=id", run and logged.
+QString setColumn(Database& db, const SqlLog& log, int appTempId, const char* column, int value) {
+    const QString set = QStringLiteral("Update apptemplates Set %1=").arg(QLatin1String(column));
+    const QString where = QStringLiteral(" Where AppTempID=");
+    Transaction transaction(db, QStringLiteral("changing template slot %1").arg(appTempId));
+    if (QLatin1String(column) == QLatin1String("TimeSlot")) {
+        if (const QString problem = typeProblem(db, value); !problem.isEmpty()) {
+            return problem;
+        }
+    }
+    const QSqlQuery q =
+        db.exec(set + QStringLiteral("?") + where + QStringLiteral("?"), {value, appTempId},
+                QStringLiteral("changing template slot %1").arg(appTempId));
+    if (q.numRowsAffected() == 0) {
+        return goneProblem(appTempId);
+    }
+    transaction.commit();
+    log.write(set + QString::number(value) + where + QString::number(appTempId));
+    return {};
 }
 
 }  // namespace
@@ -67,7 +90,7 @@ QList<TemplateRow> templateList(Database& db, const QString& doctorId, int day) 
     return list;
 }
 
-QString insertTemplateSlot(Database& db, TemplateSlot& slot) {
+QString insertTemplateSlot(Database& db, const SqlLog& log, TemplateSlot& slot) {
     if (slot.day < kFirstDay || slot.day > kLastDay) {
         return QStringLiteral("A day must be 1 (Sunday) to 7 (Saturday).");
     }
@@ -93,56 +116,45 @@ QString insertTemplateSlot(Database& db, TemplateSlot& slot) {
             {id, doctorId, slot.day, slot.time, slot.slotType},
             QStringLiteral("adding a template slot for ") + doctorId);
     transaction.commit();
+    log.write(QStringLiteral("Insert Into apptemplates (AppTempID,DoctorID,Day,TemplateTime,"
+                             "TimeSlot) Values(%1,%2,%3,%4,%5)")
+                  .arg(id)
+                  .arg(sqltext::quoteValue(doctorId))
+                  .arg(slot.day)
+                  .arg(slot.time)
+                  .arg(slot.slotType));
     slot.id = id;
     slot.doctorId = doctorId;
     return {};
 }
 
-QString setTemplateTime(Database& db, int appTempId, int time) {
+QString setTemplateTime(Database& db, const SqlLog& log, int appTempId, int time) {
     if (const QString problem = timeProblem(time); !problem.isEmpty()) {
         return problem;
     }
-    Transaction transaction(db, QStringLiteral("changing template slot %1").arg(appTempId));
-    const QSqlQuery q =
-        db.exec(QStringLiteral("Update apptemplates Set TemplateTime=? Where AppTempID=?"),
-                {time, appTempId}, QStringLiteral("changing template slot %1").arg(appTempId));
-    if (q.numRowsAffected() == 0) {
-        return goneProblem(appTempId);
-    }
-    transaction.commit();
-    return {};
+    return setColumn(db, log, appTempId, "TemplateTime", time);
 }
 
-QString setTemplateType(Database& db, int appTempId, int slotType) {
-    Transaction transaction(db, QStringLiteral("changing template slot %1").arg(appTempId));
-    if (const QString problem = typeProblem(db, slotType); !problem.isEmpty()) {
-        return problem;
-    }
-    const QSqlQuery q =
-        db.exec(QStringLiteral("Update apptemplates Set TimeSlot=? Where AppTempID=?"),
-                {slotType, appTempId}, QStringLiteral("changing template slot %1").arg(appTempId));
-    if (q.numRowsAffected() == 0) {
-        return goneProblem(appTempId);
-    }
-    transaction.commit();
-    return {};
+QString setTemplateType(Database& db, const SqlLog& log, int appTempId, int slotType) {
+    return setColumn(db, log, appTempId, "TimeSlot", slotType);
 }
 
-bool deleteTemplateSlot(Database& db, Prompter& prompter, int appTempId) {
+bool deleteTemplateSlot(Database& db, Prompter& prompter, const SqlLog& log, int appTempId) {
     if (!prompter.confirm(QStringLiteral("Confirm Delete"),
                           {QStringLiteral("Are you sure you want to"),
                            QStringLiteral("delete this time slot?")})) {
         return false;
     }
+    const QString statement = QStringLiteral("Delete From apptemplates Where AppTempID=");
     Transaction transaction(db, QStringLiteral("deleting template slot %1").arg(appTempId));
-    const QSqlQuery q =
-        db.exec(QStringLiteral("Delete From apptemplates Where AppTempID=?"), {appTempId},
-                QStringLiteral("deleting template slot %1").arg(appTempId));
+    const QSqlQuery q = db.exec(statement + QLatin1Char('?'), {appTempId},
+                                QStringLiteral("deleting template slot %1").arg(appTempId));
     if (q.numRowsAffected() == 0) {
         prompter.error({goneProblem(appTempId)});
         return false;
     }
     transaction.commit();
+    log.write(statement + QString::number(appTempId));
     return true;
 }
 

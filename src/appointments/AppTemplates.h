@@ -7,6 +7,7 @@
 namespace brimsett {
 class Database;
 class Prompter;
+class SqlLog;
 }  // namespace brimsett
 
 // Weekly templates: the slots a doctor's day is laid out with before anyone books (AppTemplates).
@@ -51,12 +52,13 @@ QList<TemplateSlot> templateRows(Database& db, const QString& doctorId, int day)
 QList<TemplateRow> templateList(Database& db, const QString& doctorId, int day);
 
 // Each returns an empty text when done, else the reason nothing was written: a time outside
-// the day, a day outside 1..7, an unknown slot type or a row that is gone.
+// the day, a day outside 1..7, an unknown slot type or doctor, or a row that is gone. Each
+// change is one transaction, written to the SQL log after its commit.
 // A new row takes the next AppTempID inside the transaction; slot.id is set.
-QString insertTemplateSlot(Database& db, TemplateSlot& slot);
-QString setTemplateTime(Database& db, int appTempId, int time);
-QString setTemplateType(Database& db, int appTempId, int slotType);
+QString insertTemplateSlot(Database& db, const SqlLog& log, TemplateSlot& slot);
+QString setTemplateTime(Database& db, const SqlLog& log, int appTempId, int time);
+QString setTemplateType(Database& db, const SqlLog& log, int appTempId, int slotType);
 // Asks first (default No). True when the row was deleted.
-bool deleteTemplateSlot(Database& db, Prompter& prompter, int appTempId);
+bool deleteTemplateSlot(Database& db, Prompter& prompter, const SqlLog& log, int appTempId);
 
 }  // namespace brimsett::appointments

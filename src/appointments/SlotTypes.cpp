@@ -4,6 +4,8 @@
 #include "foundation/Database.h"
 #include "foundation/NextId.h"
 #include "foundation/Prompter.h"
+#include "foundation/SqlLog.h"
+#include "foundation/SqlStatementBuilder.h"
 
 #include <QSqlRecord>
 
@@ -134,44 +136,56 @@ QStringList checkSlotType(Database& db, const SlotType& type, const QString& len
     return problems;
 }
 
-QStringList saveSlotType(Database& db, SlotType& type, const QString& lengthText) {
-    QStringList problems = checkSlotType(db, type, lengthText);
-    if (!problems.isEmpty()) {
+QStringList saveSlotType(Database& db, const SqlLog& log, SlotType& type,
+                         const QString& lengthText) {
+    // Checked inside the transaction, so that two computers never save one shortcut twice.
+    Transaction transaction(db, QStringLiteral("saving slot type ") + type.name);
+    if (QStringList problems = checkSlotType(db, type, lengthText); !problems.isEmpty()) {
         return problems;
     }
     SlotType saved = type;
     saved.name = type.name.trimmed();
     saved.quickCode = type.quickCode.trimmed();
     saved.defaultLength = lengthText.trimmed().toInt();
+    saved.defaultServiceCode = type.defaultServiceCode.trimmed();
+    saved.defaultDiagCode = type.defaultDiagCode.trimmed();
     if (saved.description.isEmpty()) {
         saved.description = saved.name.left(30);
     }
-    const QVariantList values = {saved.name,
-                                 saved.description,
-                                 swapRedBlue(saved.color),
-                                 saved.quickCode,
-                                 saved.type,
-                                 saved.defaultLength,
-                                 saved.defaultServiceCode.trimmed(),
-                                 saved.defaultDiagCode.trimmed()};
-    Transaction transaction(db, QStringLiteral("saving slot type ") + saved.name);
+    using Kind = SqlStatementBuilder::Kind;
+    const auto fields = [&saved](SqlStatementBuilder& b) {
+        b.addField(QStringLiteral("Name"), saved.name, Kind::Text);
+        b.addField(QStringLiteral("Description"), saved.description, Kind::Text);
+        b.addField(QStringLiteral("Color"), swapRedBlue(saved.color), Kind::Number);
+        b.addField(QStringLiteral("QuickCode"), saved.quickCode, Kind::Text);
+        b.addField(QStringLiteral("Type"), saved.type, Kind::Number);
+        b.addField(QStringLiteral("DefaultLength"), saved.defaultLength, Kind::Number);
+        b.addField(QStringLiteral("DefaultServiceCode"), saved.defaultServiceCode, Kind::Text);
+        b.addField(QStringLiteral("DefaultDiagCode"), saved.defaultDiagCode, Kind::Text);
+    };
+    SqlStatementBuilder b;
+    QString logged;
     if (saved.id <= 0) {
         saved.id = int(nextId(db, QStringLiteral("apptimeslots"), QStringLiteral("ID")));
-        db.exec(QStringLiteral("Insert Into apptimeslots (Name, Description, Color, QuickCode, "
-                               "Type, DefaultLength, DefaultServiceCode, DefaultDiagCode, ID) "
-                               "Values (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-                values + QVariantList{saved.id}, QStringLiteral("adding slot type ") + saved.name);
+        b.beginInsert(QStringLiteral("apptimeslots"));
+        b.addField(QStringLiteral("ID"), saved.id, Kind::Number);
+        fields(b);
+        const SqlStatementBuilder::Bound bound = b.boundInsert();
+        db.exec(bound.sql, bound.values, QStringLiteral("adding slot type ") + saved.name);
+        logged = b.finishInsert();
     } else {
-        const QSqlQuery q = db.exec(
-            QStringLiteral("Update apptimeslots Set Name=?, Description=?, Color=?, QuickCode=?, "
-                           "Type=?, DefaultLength=?, DefaultServiceCode=?, DefaultDiagCode=? "
-                           "Where ID=?"),
-            values + QVariantList{saved.id}, QStringLiteral("saving slot type %1").arg(saved.id));
+        b.beginUpdate(QStringLiteral("apptimeslots"));
+        fields(b);
+        const SqlStatementBuilder::Bound bound = b.boundUpdate(QStringLiteral("ID=?"), {saved.id});
+        const QSqlQuery q =
+            db.exec(bound.sql, bound.values, QStringLiteral("saving slot type %1").arg(saved.id));
         if (q.numRowsAffected() == 0) {
             return {QStringLiteral("Slot type %1 no longer exists.").arg(saved.id)};
         }
+        logged = b.finishUpdate(QStringLiteral("ID=%1").arg(saved.id));
     }
     transaction.commit();
+    log.write(logged);
     type = saved;
     return {};
 }
@@ -190,7 +204,7 @@ QString untitledSlotTypeName(Database& db) {
     }
 }
 
-bool deleteSlotType(Database& db, Prompter& prompter, int id) {
+bool deleteSlotType(Database& db, Prompter& prompter, const SqlLog& log, int id) {
     const std::optional<SlotType> type = slotTypeById(db, id);
     if (!type) {
         prompter.error({QStringLiteral("Slot type %1 does not exist.").arg(id)});
@@ -218,14 +232,24 @@ bool deleteSlotType(Database& db, Prompter& prompter, int id) {
                           Icon::Warning)) {
         return false;
     }
-    Transaction transaction(db, QStringLiteral("deleting slot type %1").arg(id));
-    db.exec(QStringLiteral("Delete From appointments Where SlotType=?"), {id},
-            QStringLiteral("deleting the appointments of slot type %1").arg(id));
-    db.exec(QStringLiteral("Delete From apptemplates Where TimeSlot=?"), {id},
-            QStringLiteral("deleting the templates of slot type %1").arg(id));
-    db.exec(QStringLiteral("Delete From apptimeslots Where ID=?"), {id},
-            QStringLiteral("deleting slot type %1").arg(id));
-    transaction.commit();
+    // In this order, so that no appointment or template is ever left with a type that is gone.
+    const QList<std::pair<QString, QString>> purge = {
+        {QStringLiteral("Delete From appointments Where SlotType="),
+         QStringLiteral("deleting the appointments of slot type %1")},
+        {QStringLiteral("Delete From apptemplates Where TimeSlot="),
+         QStringLiteral("deleting the templates of slot type %1")},
+        {QStringLiteral("Delete From apptimeslots Where ID="),
+         QStringLiteral("deleting slot type %1")}};
+    {
+        Transaction transaction(db, QStringLiteral("deleting slot type %1").arg(id));
+        for (const auto& [statement, doing] : purge) {
+            db.exec(statement + QLatin1Char('?'), {id}, doing.arg(id));
+        }
+        transaction.commit();
+    }
+    for (const auto& [statement, doing] : purge) {
+        log.write(statement + QString::number(id));
+    }
     return true;
 }
 

@@ -9,6 +9,7 @@
 namespace brimsett {
 class Database;
 class Prompter;
+class SqlLog;
 }  // namespace brimsett
 
 // Slot types: the kinds of slot the book and its templates are laid out with (AppTimeSlots).
@@ -47,13 +48,15 @@ QStringList checkSlotType(Database& db, const SlotType& type, const QString& len
 
 // Checks, then writes the type in one transaction; a new type (id 0) takes the next ID
 // inside it and type.id is set. Returns the problems; nothing is written when there are any.
-QStringList saveSlotType(Database& db, SlotType& type, const QString& lengthText);
+// The statements go to the SQL log after the commit, as do those of a delete.
+QStringList saveSlotType(Database& db, const SqlLog& log, SlotType& type,
+                         const QString& lengthText);
 
 // The name of a new slot type: "Untitled " and the first number no type's name uses.
 QString untitledSlotTypeName(Database& db);
 
 // Deletes a slot type with its appointments and templates, after the warning that counts
 // them (default No). A reserved type is refused with a warning. True when it was deleted.
-bool deleteSlotType(Database& db, Prompter& prompter, int id);
+bool deleteSlotType(Database& db, Prompter& prompter, const SqlLog& log, int id);
 
 }  // namespace brimsett::appointments

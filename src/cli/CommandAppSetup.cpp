@@ -2,6 +2,7 @@
 #include "appointments/AppointmentTime.h"
 #include "appointments/SlotTypes.h"
 #include "cli/CliSession.h"
+#include "foundation/SqlLog.h"
 
 namespace brimsett {
 
@@ -11,6 +12,10 @@ using namespace appointments;
 
 QString colorText(int color) {
     return QStringLiteral("#%1").arg(color, 6, 16, QLatin1Char('0')).toUpper();
+}
+
+SqlLog sqlLog(CliSession& session) {
+    return SqlLog(session.paths(), session.settings().sqlLogOn());
 }
 
 int addSlotType(CliSession& session, const CliArgs& args) {
@@ -39,7 +44,7 @@ int addSlotType(CliSession& session, const CliArgs& args) {
         return fail(QStringLiteral("the database is not available"));
     }
     const QStringList problems =
-        saveSlotType(session.db(), type, args.value(QStringLiteral("length")));
+        saveSlotType(session.db(), sqlLog(session), type, args.value(QStringLiteral("length")));
     if (!problems.isEmpty()) {
         session.prompter().error(problems);
         return 1;
@@ -81,7 +86,7 @@ int deleteSlotTypeCommand(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
-    if (!deleteSlotType(session.db(), session.prompter(), id)) {
+    if (!deleteSlotType(session.db(), session.prompter(), sqlLog(session), id)) {
         return 1;
     }
     session.out() << "Slot type " << id << " deleted\n";
@@ -131,7 +136,8 @@ int addTemplateSlot(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
-    if (const QString problem = insertTemplateSlot(session.db(), slot); !problem.isEmpty()) {
+    if (const QString problem = insertTemplateSlot(session.db(), sqlLog(session), slot);
+        !problem.isEmpty()) {
         session.prompter().error({problem});
         return 1;
     }
@@ -170,7 +176,7 @@ int deleteTemplateCommand(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
-    return deleteTemplateSlot(session.db(), session.prompter(), id) ? 0 : 1;
+    return deleteTemplateSlot(session.db(), session.prompter(), sqlLog(session), id) ? 0 : 1;
 }
 
 CliOption option(const char* name, const char* value, const char* help, bool required = false) {

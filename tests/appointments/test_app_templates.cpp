@@ -32,6 +32,11 @@ struct Office : test::OfficeFixture {
                      r);
         }
     }
+    int loggedLines() const {
+        const QString text = test::readText(log.path());
+        return text.isEmpty() ? 0
+                              : int(text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).size());
+    }
     QString rows() {
         return test::rowsOf(db->exec("Select AppTempID, DoctorID, Day, TemplateTime, TimeSlot "
                                      "From AppTemplates Order By 1"))
@@ -120,26 +125,28 @@ private slots:
         QFETCH(QString, refusal);
         QFETCH(QString, rows);
         Office office;
+        office.log.setOn(true);
         const QStringList w = change.split(' ');
         QString answer;
         QString expected = kRows + rows;
         if (w[0] == "insert") {
             TemplateSlot slot{0, w[1], w[2].toInt(), w[3].toInt(), w[4].toInt()};
-            answer = insertTemplateSlot(*office.db, slot);
+            answer = insertTemplateSlot(*office.db, office.log, slot);
             QCOMPARE(slot.id, refusal.isEmpty() ? 6 : 0);
         } else if (w[0] == "time") {
-            answer = setTemplateTime(*office.db, w[1].toInt(), w[2].toInt());
+            answer = setTemplateTime(*office.db, office.log, w[1].toInt(), w[2].toInt());
             if (refusal.isEmpty()) {
                 expected.replace("1|AB|2|600|1", "1|AB|2|" + w[2] + "|1");
             }
         } else {
-            answer = setTemplateType(*office.db, w[1].toInt(), w[2].toInt());
+            answer = setTemplateType(*office.db, office.log, w[1].toInt(), w[2].toInt());
             if (refusal.isEmpty()) {
                 expected.replace("1|AB|2|600|1", "1|AB|2|600|" + w[2]);
             }
         }
         QCOMPARE(answer, refusal);
         QCOMPARE(office.rows(), expected);
+        QCOMPARE(office.loggedLines(), refusal.isEmpty() ? 1 : 0);
     }
 
     void deleteAsksFirst_data() {
@@ -151,7 +158,7 @@ private slots:
         QFETCH(bool, yes);
         Office office;
         office.prompter.script({yes ? Answer::Yes : Answer::No});
-        QCOMPARE(deleteTemplateSlot(*office.db, office.prompter, 2), yes);
+        QCOMPARE(deleteTemplateSlot(*office.db, office.prompter, office.log, 2), yes);
         QCOMPARE(office.prompter.last().text(),
                  QStringLiteral("Are you sure you want to\ndelete this time slot?"));
         QCOMPARE(office.prompter.last().defaultAnswer, Answer::No);
@@ -160,6 +167,7 @@ private slots:
 
     void columnsShippedUntilSaved() {
         Office office;
+        office.log.setOn(true);
         const QList<GridColumn> shipped = LoadColumns(*office.db);
         QCOMPARE(shipped.size(), defaultColumns().size());
         QCOMPARE(shipped.first().name, QStringLiteral("Time"));
@@ -172,7 +180,8 @@ private slots:
         mine[3].visible = false;
         mine[6].align = "center";
         mine.removeLast();
-        SaveColumns(*office.db, mine);
+        SaveColumns(*office.db, office.log, mine);
+        QCOMPARE(office.loggedLines(), 1 + mine.size());
         const QList<GridColumn> loaded = LoadColumns(*office.db);
         QCOMPARE(loaded.size(), mine.size());
         for (int i = 0; i < loaded.size(); ++i) {
@@ -189,8 +198,9 @@ private slots:
         office.db->exec(
             "Create Trigger fail Before Insert On AppColumns When New.ID = 3 "
             "Begin Select Raise(Abort, 'disk full'); End");
-        QVERIFY_THROWS_EXCEPTION(DbError, SaveColumns(*office.db, shipped));
+        QVERIFY_THROWS_EXCEPTION(DbError, SaveColumns(*office.db, office.log, shipped));
         QCOMPARE(LoadColumns(*office.db).size(), mine.size());
+        QCOMPARE(office.loggedLines(), 1 + mine.size());
     }
 };
 

@@ -32,6 +32,12 @@ struct Office : test::OfficeFixture {
         }
     }
 
+    int loggedLines() const {
+        const QString text = test::readText(log.path());
+        return text.isEmpty() ? 0
+                              : int(text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).size());
+    }
+
     // "types / appointments / templates", each as "id=type".
     QString state() {
         const auto column = [this](const QString& sql) {
@@ -107,7 +113,7 @@ private slots:
         QCOMPARE(checkSlotType(*office.db, type, length), problems);
         const QString before =
             test::rowsOf(office.db->exec("Select * From AppTimeSlots")).join(';');
-        QCOMPARE(saveSlotType(*office.db, type, length), problems);
+        QCOMPARE(saveSlotType(*office.db, office.log, type, length), problems);
         if (!problems.isEmpty()) {
             QCOMPARE(test::rowsOf(office.db->exec("Select * From AppTimeSlots")).join(';'), before);
             return;
@@ -159,6 +165,7 @@ private slots:
         QFETCH(QString, failOn);
         QFETCH(QString, state);
         Office office;
+        office.log.setOn(true);
         if (!failOn.isEmpty()) {
             office.db->exec(QStringLiteral("Create Trigger fail Before Delete On %1 "
                                            "Begin Select Raise(Abort, 'disk full'); End")
@@ -166,11 +173,13 @@ private slots:
         }
         office.prompter.script({yes ? Answer::Yes : Answer::No});
         if (failOn.isEmpty()) {
-            QCOMPARE(deleteSlotType(*office.db, office.prompter, id), state != kAll);
+            QCOMPARE(deleteSlotType(*office.db, office.prompter, office.log, id), state != kAll);
         } else {
-            QVERIFY_THROWS_EXCEPTION(DbError, deleteSlotType(*office.db, office.prompter, id));
+            QVERIFY_THROWS_EXCEPTION(DbError,
+                                     deleteSlotType(*office.db, office.prompter, office.log, id));
         }
         QCOMPARE(office.state(), state);
+        QCOMPARE(office.loggedLines(), state == kAll ? 0 : 3);
         QCOMPARE(office.prompter.messages().size(), 1);
         const auto& message = office.prompter.last();
         QTEST(message.title + ": " + message.text(), "message");
