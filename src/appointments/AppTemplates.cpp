@@ -97,15 +97,20 @@ QString insertTemplateSlot(Database& db, const SqlLog& log, TemplateSlot& slot) 
     if (const QString problem = timeProblem(slot.time); !problem.isEmpty()) {
         return problem;
     }
-    const QString doctorId = slot.doctorId.trimmed();
+    QString doctorId = slot.doctorId.trimmed();
     if (doctorId.isEmpty()) {
         return QStringLiteral("Doctor ID must be entered.");
     }
     Transaction transaction(db, QStringLiteral("adding a template slot for ") + doctorId);
-    if (doctorId != defaultTemplateDoctor() &&
-        !db.scalar(QStringLiteral("Select Count(*) From Doctors Where DoctorID=?"), {doctorId})
-             .toInt()) {
-        return QStringLiteral("Doctor %1 does not exist.").arg(doctorId);
+    if (doctorId != defaultTemplateDoctor()) {
+        // Kept as the doctor's number is spelled, whatever case it was typed in.
+        const QVariant stored =
+            db.scalar(QStringLiteral("Select DoctorID From Doctors Where Upper(DoctorID)=?"),
+                      {doctorId.toUpper()});
+        if (!stored.isValid()) {
+            return QStringLiteral("Doctor %1 does not exist.").arg(doctorId);
+        }
+        doctorId = stored.toString();
     }
     if (const QString problem = typeProblem(db, slot.slotType); !problem.isEmpty()) {
         return problem;

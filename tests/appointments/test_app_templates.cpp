@@ -104,6 +104,7 @@ private slots:
         QTest::addColumn<QString>("refusal");
         QTest::addColumn<QString>("rows");  // kRows followed by
         row("insert for a doctor", "insert JS 4 1439 2", "", " 6|JS|4|1439|2");
+        row("insert for a doctor typed in lower case", "insert ab 4 600 1", "", " 6|AB|4|600|1");
         row("insert into the default", "insert (d) 7 0 1", "", " 6|(d)|7|0|1");
         row("insert at 1440", "insert JS 4 1440 1",
             "A time must lie between 12:00 am and 11:59 pm.", "");
