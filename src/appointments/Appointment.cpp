@@ -47,7 +47,6 @@ Appointment Appointment::fromRecord(const QSqlRecord& r) {
     a.doctorId = text(r, "DoctorID");
     a.deleted = field(r, "Deleted").toInt() != 0;
     a.slotName = text(r, "SlotName");
-    a.slotColor = field(r, "SlotColor").toLongLong();
     const QString last = text(r, "LName");
     const QString first = text(r, "FName");
     if (!last.isEmpty() || !first.isEmpty()) {

@@ -30,7 +30,7 @@ struct Appointment {
 
     // Shown, never written.
     QString slotName;
-    qint64 slotColor = 0;
+    int slotColor = 0;    // 0xRRGGBB, as SlotType::color
     QString patientLine;  // "Last, First"; empty without a registered patient
     QString patientHPhone;
     QDate patientDob;
@@ -39,8 +39,8 @@ struct Appointment {
     // The registered patient's "Last, First", else the name the caller gave.
     QString whoText() const { return patientLine.isEmpty() ? patientName : patientLine; }
 
-    // A row of the store's reading query (the appointment's columns, "SlotName",
-    // "SlotColor", "LName", "FName", "HPhone", "DOB").
+    // A row of the store's reading query (the appointment's columns, "SlotName", "LName",
+    // "FName", "HPhone", "DOB"); the colour is not in it.
     static Appointment fromRecord(const QSqlRecord& record);
 };
 

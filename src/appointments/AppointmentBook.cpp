@@ -25,20 +25,19 @@ bool covers(const Appointment& a, int minute) {
 
 QList<DayLine> dayLines(Database& db, const QString& doctorId, const QDate& date) {
     const QList<Appointment> booked = AppointmentStore(db).day(doctorId, date);
+    const QList<TemplateSlot> pattern = templateFor(db, doctorId, templateDay(date));
+    const QList<SlotType> types =
+        booked.isEmpty() && pattern.isEmpty() ? QList<SlotType>() : LoadSlotTypes(db);
     QList<DayLine> lines;
     for (const Appointment& a : booked) {
-        lines << DayLine{a.appTime, a.appLength, a.slotType, a.slotName, a.slotColor, a};
+        const std::optional<SlotType> type = findSlotType(types, a.slotType);
+        lines << DayLine{a.appTime, a.appLength, a.slotType, a.slotName, type ? type->color : 0, a};
+        lines.last().appointment->slotColor = lines.last().color;
     }
-    const QList<TemplateSlot> pattern = templateFor(db, doctorId, templateDay(date));
-    if (!pattern.isEmpty()) {
-        const QList<SlotType> types = LoadSlotTypes(db);
-        for (const TemplateSlot& slot : pattern) {
-            const bool taken = std::any_of(booked.begin(), booked.end(), [&](const Appointment& a) {
-                return covers(a, slot.time);
-            });
-            if (taken) {
-                continue;
-            }
+    for (const TemplateSlot& slot : pattern) {
+        const bool taken = std::any_of(booked.begin(), booked.end(),
+                                       [&](const Appointment& a) { return covers(a, slot.time); });
+        if (!taken) {
             const std::optional<SlotType> type = findSlotType(types, slot.slotType);
             lines << DayLine{slot.time,
                              type ? type->defaultLength : 0,

@@ -19,7 +19,7 @@ struct DayLine {
     int length = 0;
     int slotType = 0;
     QString slotName;
-    qint64 color = 0;
+    int color = 0;                           // 0xRRGGBB
     std::optional<Appointment> appointment;  // none for an empty template slot
 };
 

@@ -1,6 +1,7 @@
 #include "appointments/AppointmentStore.h"
 
 #include "appointments/AppointmentTime.h"
+#include "appointments/SlotTypes.h"
 #include "foundation/Database.h"
 #include "foundation/NextId.h"
 #include "foundation/SqlStatementBuilder.h"
@@ -16,7 +17,7 @@ using Kind = SqlStatementBuilder::Kind;
 
 // The row with what the details show beside it, in one reading.
 const char* const kReading =
-    "Select A.*, T.Name As SlotName, T.Color As SlotColor, P.LName As LName,"
+    "Select A.*, T.Name As SlotName, P.LName As LName,"
     " P.FName As FName, P.HPhone As HPhone, P.DOB As DOB From appointments A"
     " Left Join apptimeslots T On T.ID=A.SlotType"
     " Left Join patients P On P.PatientID=A.PatientID";
@@ -57,7 +58,13 @@ std::optional<Appointment> AppointmentStore::load(qint64 appId) {
     QList<Appointment> rows =
         readAll(m_db.exec(QLatin1String(kReading) + QStringLiteral(" Where A.AppID=?"), {appId},
                           QStringLiteral("reading appointment %1").arg(appId)));
-    return rows.isEmpty() ? std::nullopt : std::optional<Appointment>(rows.first());
+    if (rows.isEmpty()) {
+        return std::nullopt;
+    }
+    if (const std::optional<SlotType> type = slotTypeById(m_db, rows.first().slotType)) {
+        rows.first().slotColor = type->color;
+    }
+    return rows.first();
 }
 
 QList<Appointment> AppointmentStore::day(const QString& doctorId, const QDate& date) {

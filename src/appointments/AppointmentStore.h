@@ -20,7 +20,8 @@ public:
     explicit AppointmentStore(Database& db) : m_db(db) {}
 
     // The row with its slot type's name and colour and the patient's name, phone and
-    // birth date; none when there is no such appointment.
+    // birth date; none when there is no such appointment. The rows of day() and
+    // overlapping() leave the colour to the caller, who has the slot types at hand.
     std::optional<Appointment> load(qint64 appId);
     // A doctor's appointments of a day, cancelled ones included, in the book's order.
     QList<Appointment> day(const QString& doctorId, const QDate& date);

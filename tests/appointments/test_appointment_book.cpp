@@ -112,6 +112,7 @@ private slots:
         const std::optional<Appointment> loaded = AppointmentStore(*o.db).load(id);
         QVERIFY(loaded);
         QCOMPARE(loaded->slotName, QStringLiteral("Visit"));
+        QCOMPARE(loaded->slotColor, 0xFF0000);  // stored with red in the lowest byte
         DetailsInput in = DetailsInput::of(*loaded);
         in.notes = QStringLiteral("changed");
         QVERIFY(!o.book(in));
