@@ -51,6 +51,14 @@ private slots:
                  "--type", "1"});
         QCOMPARE(r.status, 1);
         QVERIFY2(r.err.contains("Doctor ZZ does not exist."), qPrintable(r.err));
+        QCOMPARE(run({"appt", "template", "add", "--default", "--day", "2", "--time", "8:00",
+                      "--type", "2"})
+                     .out,
+                 QStringLiteral("Template slot 2\n"));
+        QCOMPARE(run({"appt", "template", "list", "--default", "--day", "2"}).out,
+                 QStringLiteral("2\t 8:00 am\t2\tDay off\t#000000\n"
+                                "1\t 1:30 pm\t1\tVisit\t#FF8000\n"));
+        QCOMPARE(run({"--yes", "appt", "template", "delete", "2"}).status, 0);
         QCOMPARE(run({"appt", "template", "list", "--default", "--day", "2"}).out,
                  QStringLiteral("1\t 1:30 pm\t1\tVisit\t#FF8000\n"));
         QCOMPARE(run({"sql", "Insert Into Appointments (AppID, SlotType) Values (1, 1)"}).status,
