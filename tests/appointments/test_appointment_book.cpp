@@ -3,6 +3,8 @@
 #include "appointments/AppointmentTime.h"
 #include "appointments/SlotTypes.h"
 
+#include <QRegularExpression>
+
 #include <thread>
 
 using namespace brimsett;
@@ -168,6 +170,7 @@ private slots:
 
     void movingAsksLikeBookingAndCancelKeepsTheRow() {
         Office o;
+        o.log.setOn(true);
         const qint64 first = *o.book(o.input());
         const qint64 second = *o.book(o.input(QStringLiteral("10:00am")));
         // Changing what is not the time asks nothing even beside a double booking.
@@ -189,6 +192,14 @@ private slots:
         moved.time = QStringLiteral("9:05am");
         QVERIFY(o.book(moved));
         QVERIFY(o.prompter.messages().isEmpty());
+        // Each save that was written is one line of the log; the refused move is not there.
+        const QStringList logged = test::readText(o.log.path()).split("\r\n", Qt::SkipEmptyParts);
+        QCOMPARE(logged.size(), 6);
+        QCOMPARE(logged.filter(QRegularExpression("^Insert Into appointments \\(AppID")).size(), 2);
+        QCOMPARE(logged.filter(QRegularExpression("^Update appointments Set .* Where AppID=\\d+$"))
+                     .size(),
+                 4);
+        QVERIFY(logged.last().contains("AppTime=545"));
     }
 
     void dayMergesTemplateAndAppointments_data() {
