@@ -9,8 +9,9 @@
 
 namespace brimsett {
 
-frmManageCodes::frmManageCodes(const QStringList& titles, QWidget* parent) : QDialog(parent) {
-    setWindowTitle(QStringLiteral("Manage Codes"));
+frmManageCodes::frmManageCodes(const QStringList& titles, QWidget* parent, const QString& title)
+    : QDialog(parent) {
+    setWindowTitle(title);
     m_list = new QListWidget(this);
     m_list->addItems(titles);
     m_list->setCurrentRow(0);
@@ -19,7 +20,7 @@ frmManageCodes::frmManageCodes(const QStringList& titles, QWidget* parent) : QDi
     connect(m_list, &QListWidget::itemActivated, this,
             guarded(this, [this](QListWidgetItem* item) { choose(m_list->row(item)); }));
 
-    auto* hint = new QLabel(QStringLiteral("Choose a table and press Enter."), this);
+    auto* hint = new QLabel(QStringLiteral("Choose one and press Enter."), this);
     auto* buttons = new QDialogButtonBox(this);
     QPushButton* open = buttons->addButton(QStringLiteral("&Open"), QDialogButtonBox::ActionRole);
     QPushButton* close = buttons->addButton(QDialogButtonBox::Close);
