@@ -135,20 +135,28 @@ CheckedDetails checkDetails(Database& db, const DetailsInput& in) {
     return out;
 }
 
-void fillFromPatient(Database& db, DetailsInput& input) {
+std::optional<PatientShown> shownPatient(Database& db, const QString& patientId) {
     bool ok = false;
-    const qint64 id = input.patientId.trimmed().toLongLong(&ok);
+    const qint64 id = patientId.trimmed().toLongLong(&ok);
     if (!ok) {
-        return;
+        return std::nullopt;
     }
     QSqlQuery q =
-        db.exec(QStringLiteral("Select LName, FName, HPhone From patients Where PatientID=?"), {id},
-                QStringLiteral("reading patient %1").arg(id));
-    if (q.next()) {
+        db.exec(QStringLiteral("Select LName, FName, HPhone, DOB From patients Where PatientID=?"),
+                {id}, QStringLiteral("reading patient %1").arg(id));
+    if (!q.next()) {
+        return std::nullopt;
+    }
+    return PatientShown{q.value(0).toString() + QStringLiteral(", ") + q.value(1).toString(),
+                        q.value(2).toString(),
+                        QDate::fromString(q.value(3).toString().left(10), Qt::ISODate)};
+}
+
+void fillFromPatient(Database& db, DetailsInput& input) {
+    if (const std::optional<PatientShown> patient = shownPatient(db, input.patientId)) {
         // Cut to the columns' widths, as the book's name and phone are only for showing.
-        input.patientName =
-            (q.value(0).toString() + QStringLiteral(", ") + q.value(1).toString()).left(50);
-        input.patientPhone = q.value(2).toString().left(20);
+        input.patientName = patient->line.left(50);
+        input.patientPhone = patient->hPhone.left(20);
     }
 }
 

@@ -56,6 +56,15 @@ struct CheckedDetails {
 // the end of the day), slot type, then the health number of an Ontario patient.
 CheckedDetails checkDetails(Database& db, const DetailsInput& input);
 
+// The registered patient beside the patient number: "Last, First", home phone, birth date.
+struct PatientShown {
+    QString line;
+    QString hPhone;
+    QDate dob;
+};
+// None when the text is not the number of a registered patient.
+std::optional<PatientShown> shownPatient(Database& db, const QString& patientId);
+
 // A registered patient's "Last, First" and home phone as the name and phone shown in the
 // book; nothing changes when the number is not a registered patient's.
 void fillFromPatient(Database& db, DetailsInput& input);

@@ -2,6 +2,8 @@
 
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
+#include "screens/AppDetailsScreen.h"
+#include "screens/AppSetupScreens.h"
 #include "screens/ClaimScreens.h"
 #include "screens/CodeScreens.h"
 #include "screens/PatientScreens.h"
@@ -126,6 +128,10 @@ void AppShell::registerScreens() {
                                                   m_prompter, m_clock, m_sqlLog, m_main.get());
     m_patients->registerIn(m_registry);
     registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
+                            m_prompter, m_main.get());
+    registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
+                             m_prompter, m_main.get());
+    registerAppSetupScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());

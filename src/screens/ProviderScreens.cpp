@@ -85,14 +85,17 @@ void registerProviderScreens(ActionRegistry& registry, Database& db, AppSettings
     auto* opener = new ProviderScreenOpener(db, settings, store, log, prompter, parent);
     registry.setAction(kActionProviders, QStringLiteral("Providers"),
                        [opener] { opener->doctors(); });
-    registry.setCommand(QStringLiteral("DOCTOR"), [opener](const QString& id) {
+    const auto showDoctor = [opener](const QString& id) {
         if (id.isEmpty() || !opener->storedProvider(id)) {
             return kNotFound;
         }
         // The user may choose to stay on unsaved changes; the screen is forward either way.
         opener->doctors()->showProvider(id);
         return QStringLiteral("OK");
-    });
+    };
+    registry.setCommand(QStringLiteral("DOCTOR"), showDoctor);
+    // The appointment book asks for the doctor of a column the same way.
+    registry.setCommand(QStringLiteral("APPDOCTOR"), showDoctor);
     registry.setCommand(QStringLiteral("VDOC"), [opener](const QString& id) {
         const std::optional<Provider> provider =
             id.isEmpty() ? std::nullopt : opener->storedProvider(id);

@@ -20,6 +20,7 @@ struct AppSettings;
 
 // Menu action 11 ("Providers") opens frmDoctors. The receiver words:
 //   "DOCTOR id"       brings frmDoctors forward on that provider: "OK", or "NOT FOUND"
+//   "APPDOCTOR id"    the same, asked by the appointment book about one of its doctors
 //   "VDOC id"         opens nothing: "DoctorID|LName|FName|ProviderNum|GroupNum|SpecCode",
 //                     or "NOT FOUND"
 //   "NOTPROVIDER num" brings frmDoctorsOther forward on the referring doctor with that billing

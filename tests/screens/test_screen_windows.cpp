@@ -6,6 +6,7 @@
 #include "screens/CodeEditors.h"
 #include "screens/MessageBoxPrompter.h"
 #include "screens/WindowPlace.h"
+#include "screens/frmAppDetails.h"
 #include "screens/frmBMain.h"
 #include "screens/frmClaim.h"
 #include "screens/frmDoctors.h"
@@ -52,6 +53,7 @@ struct Office : test::OfficeFixture {
         {"frmClaim",
          [&] { return new frmClaim(*db, settings, {}, prompter, clock, log, {}, registry); }},
         {"frmDoctors", [&] { return new frmDoctors(*db, settings, log, prompter); }},
+        {"frmAppDetails", [&] { return new frmAppDetails(*db, settings, prompter, log); }},
         {"frmDoctorsOther", [&] { return new frmDoctorsOther(*db, settings, log, prompter); }},
         {"frmThirdParty", [&] { return new frmThirdParty(*db, prompter, log); }},
         {"frmEDTSetup",

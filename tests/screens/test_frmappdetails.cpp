@@ -1,0 +1,371 @@
+#include "OfficeFixture.h"
+
+#include "foundation/ActionRegistry.h"
+#include "screens/AppDetailsScreen.h"
+#include "screens/ProviderScreens.h"
+#include "screens/frmAppDetails.h"
+#include "screens/frmDoctors.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QtTest>
+
+using namespace brimsett;
+using test::row;
+
+namespace {
+
+// Two doctors, two slot types, an Ontario patient with a good number (7) and one with a bad
+// number (8); appointment 1 is Ann Smith's, 2 a caller's, 3 the lab requisition program's.
+struct Office : test::OfficeFixture {
+    ActionRegistry registry;
+    QWidget main;
+
+    Office(bool enterSavesNotes = false) {
+        settings.option[20] = enterSavesNotes;
+        db->exec(
+            "Insert Into Doctors (DoctorID, LName, FName, ProviderNum, GroupNum, SpecCode) Values"
+            " ('AB', 'Abbott', 'Alice', '111111', '0000', '00'),"
+            " ('JS', 'Singh', 'Jaspreet', '222222', '0000', '00')");
+        db->exec(
+            "Insert Into apptimeslots (ID, Name, Color, Type, DefaultLength, DefaultServiceCode,"
+            " DefaultDiagCode) Values (1,'Visit',255,0,15,'A007A','799'),"
+            " (2,'Physical',65280,0,30,'A003A','917')");
+        db->exec(
+            "Insert Into patients (PatientID, LName, FName, HPhone, DOB, Province, HealthNum,"
+            " VersionCode) Values (7,'Smith','Ann','555-1234','1980-05-17','ON','1234567897','AB'),"
+            " (8,'Bad','Card','','1970-01-01','ON','1234567890','')");
+        db->exec(
+            "Insert Into appointments (AppID, PatientName, PatientPhone, AppDate, AppTime,"
+            " AppLength, SlotType, Notes, Status, ServiceCode, DiagCode, PatientID, DoctorID,"
+            " Deleted) Values"
+            " (1,'Smith, Ann','555-1234','2026-11-23',545,15,1,'flu "
+            "shot',1,'A007A','799',7,'AB',0),"
+            " (2,'Walker, Jo','613-555-0100','2026-11-23',600,30,2,'',2,'','',NULL,'JS',0),"
+            " (3,'Smith, Ann','555-1234','2026-11-24',540,15,1,'blood work',1,'','',7,'AB',0)");
+        db->exec("Insert Into realreqstage (apptid) Values ('3')");
+        registerProviderScreens(registry, *db, settings, office.store(), log, prompter, &main);
+        registerAppDetailsScreen(registry, *db, settings, office.store(), log, prompter, &main);
+    }
+    QString run(const QString& line) { return registry.runCommand(line).value_or("UNKNOWN"); }
+    frmAppDetails* details() { return main.findChild<frmAppDetails*>(); }
+    // The details open on an appointment, as the book asks for them.
+    frmAppDetails* open(qint64 appId) {
+        const QString answer = run(QStringLiteral("FROMAPPAPPOINTMENT %1").arg(appId));
+        return answer == QLatin1String("OK") ? details() : nullptr;
+    }
+    QString stored(qint64 appId, const QString& columns) {
+        return test::rowsOf(db->exec(QStringLiteral("Select %1 From appointments Where AppID=%2")
+                                         .arg(columns)
+                                         .arg(appId)))
+            .join(';');
+    }
+};
+
+// The screen's fields, found by the label that names them.
+QWidget* field(QWidget* screen, const QString& caption) {
+    for (QLabel* label : screen->findChildren<QLabel*>()) {
+        if (label->text() == caption && label->buddy()) {
+            return label->buddy();
+        }
+    }
+    qFatal("no field %s", qPrintable(caption));
+}
+QLineEdit* line(QWidget* screen, const QString& caption) {
+    return qobject_cast<QLineEdit*>(field(screen, caption));
+}
+QComboBox* box(QWidget* screen, const QString& caption) {
+    return qobject_cast<QComboBox*>(field(screen, caption));
+}
+
+}  // namespace
+
+class TestFrmAppDetails : public QObject {
+    Q_OBJECT
+
+private slots:
+    void showsTheAppointment_data() {
+        QTest::addColumn<qint64>("appId");
+        QTest::addColumn<QString>("patientLine");
+        QTest::addColumn<bool>("callerFields");
+        QTest::addColumn<QStringList>("fields");  // number, name, phone, doctor, date, time, length
+        QTest::addColumn<QStringList>("lists");   // type, status, notes, service, diagnosis
+        row("registered patient", qint64(1), "Smith, Ann   555-1234   DOB: 1980/05/17", false,
+            QStringList{"7", "Smith, Ann", "555-1234", "AB - Abbott, Alice", "2026/11/23",
+                        "9:05 am", "15"},
+            QStringList{"Visit", "Booked", "flu shot", "A007A", "799"});
+        row("caller", qint64(2), "Caller not registered: name and phone", true,
+            QStringList{"", "Walker, Jo", "613-555-0100", "JS - Singh, Jaspreet", "2026/11/23",
+                        "10:00 am", "30"},
+            QStringList{"Physical", "Confirmed", "", "", ""});
+    }
+    void showsTheAppointment() {
+        QFETCH(qint64, appId);
+        QFETCH(QString, patientLine);
+        QFETCH(bool, callerFields);
+        QFETCH(QStringList, fields);
+        QFETCH(QStringList, lists);
+        Office office;
+        frmAppDetails* screen = office.open(appId);
+        QVERIFY(screen && screen->isVisible());
+        QCOMPARE(screen->windowTitle(), QStringLiteral("Appointment Details"));
+        QCOMPARE(screen->shownAppId(), appId);
+        const QStringList shown = {
+            line(screen, "Patient &number:")->text(), line(screen, "Na&me:")->text(),
+            line(screen, "P&hone:")->text(),          box(screen, "&Doctor:")->currentText(),
+            line(screen, "D&ate:")->text(),           line(screen, "&Time:")->text(),
+            line(screen, "&Length:")->text()};
+        QCOMPARE(shown, fields);
+        QCOMPARE((QStringList{
+                     box(screen, "T&ype:")->currentText(), box(screen, "Stat&us:")->currentText(),
+                     line(screen, "N&otes:")->text(), line(screen, "Se&rvice code:")->text(),
+                     line(screen, "Dia&gnostic code:")->text()}),
+                 lists);
+        bool lineShown = false;
+        for (QLabel* label : screen->findChildren<QLabel*>()) {
+            lineShown = lineShown || label->text() == patientLine;
+        }
+        QVERIFY2(lineShown, qPrintable(patientLine));
+        QCOMPARE(line(screen, "Na&me:")->isEnabled(), callerFields);
+        QVERIFY(office.prompter.messages().isEmpty());
+        QVERIFY(QTest::qWaitForWindowExposed(screen));
+        QVERIFY(screen->grab().save(QStringLiteral("/tmp/frmAppDetails-%1.png").arg(appId)));
+
+        // Esc closes an appointment left as it was, without a question.
+        const QPointer<frmAppDetails> open(screen);
+        QTest::keyClick(screen, Qt::Key_Escape);
+        QTRY_VERIFY(!open);
+        QVERIFY(office.prompter.messages().isEmpty());
+    }
+
+    // A length typed first is overwritten by the chosen type's, and its codes come along.
+    void choosingASlotTypeFillsItsDefaults_data() {
+        QTest::addColumn<int>("moves");  // Down keys from Visit
+        QTest::addColumn<QString>("stored");
+        row("Physical", 1, "30|2|A003A|917");
+        row("back to Visit", 0, "15|1|A007A|799");
+    }
+    void choosingASlotTypeFillsItsDefaults() {
+        QFETCH(int, moves);
+        QFETCH(QString, stored);
+        Office office;
+        frmAppDetails* screen = office.open(1);
+        line(screen, "&Length:")->setText("45");
+        line(screen, "Se&rvice code:")->setText("X");
+        QComboBox* types = box(screen, "T&ype:");
+        if (moves == 0) {
+            emit types->activated(types->currentIndex());  // chosen again from the list
+        }
+        for (int i = 0; i < moves; ++i) {
+            QTest::keyClick(types, Qt::Key_Down);
+        }
+        QVERIFY(screen->save());
+        QCOMPARE(office.stored(1, "AppLength, SlotType, ServiceCode, DiagCode"), stored);
+    }
+
+    // A letter typed in the status box picks the status at its place in " OCWSNB"; other
+    // keys leave the box to itself.
+    void statusLetters_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<int>("stored");
+        row("blank", " ", "(None)", 0);
+        row("o", "o", "Booked", 1);
+        row("C", "C", "Confirmed", 2);
+        row("w", "w", "Waiting", 3);
+        row("S", "S", "Seen", 4);
+        row("n", "n", "No Show", 5);
+        row("B", "B", "Billed", 6);
+        row("letter of no status", "x", "Booked", 1);
+    }
+    void statusLetters() {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        QFETCH(int, stored);
+        Office office;
+        frmAppDetails* screen = office.open(1);
+        QComboBox* status = box(screen, "Stat&us:");
+        QTest::keyClicks(status, typed);
+        QCOMPARE(status->currentText(), shown);
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+        QTest::keyClick(status, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(office.stored(1, "Status"), QString::number(stored));
+        QCOMPARE(office.prompter.messages().size(), 0);
+    }
+
+    void saveRefusedWithEveryProblem_data() {
+        QTest::addColumn<QString>("patient");
+        QTest::addColumn<int>("doctor");  // index in the list; 0 is none
+        QTest::addColumn<QString>("date");
+        QTest::addColumn<QString>("length");
+        QTest::addColumn<int>("type");  // index in the list; 0 is none
+        QTest::addColumn<QStringList>("problems");
+        row("doctor, date, length, type", "7", 0, "2026/02/30", "0", 0,
+            QStringList{"Doctor ID must be entered.", "Invalid date.",
+                        "Length must be greater than zero.", "Invalid type."});
+        row("patient, no date, length", "99", 1, "", "abc", 1,
+            QStringList{"Invalid Patient ID.", "Date must be entered.", "Invalid Length."});
+        row("bad health number", "8", 1, "2026/11/23", "15", 1,
+            QStringList{"'1234567890' is not a valid health card number."});
+    }
+    void saveRefusedWithEveryProblem() {
+        QFETCH(QString, patient);
+        QFETCH(int, doctor);
+        QFETCH(QString, date);
+        QFETCH(QString, length);
+        QFETCH(int, type);
+        QFETCH(QStringList, problems);
+        Office office;
+        const QString before = office.stored(1, "*");
+        frmAppDetails* screen = office.open(1);
+        line(screen, "Patient &number:")->setText(patient);
+        box(screen, "&Doctor:")->setCurrentIndex(doctor);
+        line(screen, "D&ate:")->setText(date);
+        line(screen, "&Length:")->setText(length);
+        box(screen, "T&ype:")->setCurrentIndex(type);
+        QVERIFY(!screen->save());
+        QCOMPARE(office.prompter.messages().size(), 1);
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+        QCOMPARE(office.prompter.last().lines, problems);
+        QCOMPARE(office.stored(1, "*"), before);
+    }
+
+    // The requisition program's appointment opens and shows, but no way of saving writes it.
+    void requisitionIsReadOnly_data() {
+        QTest::addColumn<bool>("byEscape");
+        row("Save", false);
+        row("Esc, then Yes to saving", true);
+    }
+    void requisitionIsReadOnly() {
+        QFETCH(bool, byEscape);
+        Office office;
+        const QString before = office.stored(3, "*");
+        frmAppDetails* screen = office.open(3);
+        QVERIFY(screen);
+        QCOMPARE(line(screen, "N&otes:")->text(), QStringLiteral("blood work"));
+        line(screen, "N&otes:")->setText("changed");
+        if (byEscape) {
+            office.prompter.script({Answer::Yes});
+            QTest::keyClick(screen, Qt::Key_Escape);
+            QCOMPARE(office.prompter.messages().first().lines, QStringList{"Save changes?"});
+        } else {
+            QVERIFY(!screen->save());
+        }
+        QCOMPARE(office.prompter.last().lines,
+                 QStringList{"Unauthorized Access, Appointments made in Ostrel are read only."});
+        QCOMPARE(office.prompter.last().icon, Icon::Critical);
+        QVERIFY(screen->isVisible());  // a refused save keeps the changes on screen
+        QCOMPARE(office.stored(3, "*"), before);
+    }
+
+    // Esc on a changed appointment asks first; Cancel stays, No closes and forgets.
+    void escapeAsksOnChanges_data() {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("stays");
+        QTest::addColumn<QString>("notes");
+        row("Cancel stays", int(Answer::Cancel), true, "flu shot");
+        row("No closes", int(Answer::No), false, "flu shot");
+        row("Yes saves and closes", int(Answer::Yes), false, "second dose");
+    }
+    void escapeAsksOnChanges() {
+        QFETCH(int, answer);
+        QFETCH(bool, stays);
+        QFETCH(QString, notes);
+        Office office;
+        const QPointer<frmAppDetails> screen(office.open(1));
+        line(screen, "N&otes:")->setText("second dose");
+        office.prompter.script({Answer(answer)});
+        QTest::keyClick(screen, Qt::Key_Escape);
+        QCOMPARE(office.prompter.messages().size(), 1);
+        QCOMPARE(office.prompter.last().defaultAnswer, Answer::Cancel);
+        QTRY_COMPARE(!screen.isNull() && screen->isVisible(), stays);
+        QCOMPARE(office.stored(1, "Notes"), notes);
+    }
+
+    // With switch 20 on, Enter in the notes saves; otherwise it moves on like everywhere.
+    void enterInTheNotes_data() {
+        QTest::addColumn<bool>("switchOn");
+        QTest::addColumn<QString>("notes");
+        row("switch on saves", true, "call back");
+        row("switch off moves on", false, "flu shot");
+    }
+    void enterInTheNotes() {
+        QFETCH(bool, switchOn);
+        QFETCH(QString, notes);
+        Office office(switchOn);
+        frmAppDetails* screen = office.open(1);
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+        QLineEdit* notesLine = line(screen, "N&otes:");
+        notesLine->setFocus();
+        notesLine->setText("call back");
+        QTest::keyClick(notesLine, Qt::Key_Return);
+        QCOMPARE(office.stored(1, "Notes"), notes);
+        QCOMPARE(QApplication::focusWidget() == notesLine, switchOn);
+        QVERIFY(office.prompter.messages().isEmpty());
+    }
+
+    // A new booking over appointment 1 is asked about, No the default, and written on Yes.
+    void newBookingOverAnother_data() {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("count");
+        row("No books nothing", int(Answer::No), 3);
+        row("Yes books it too", int(Answer::Yes), 4);
+    }
+    void newBookingOverAnother() {
+        QFETCH(int, answer);
+        QFETCH(int, count);
+        Office office;
+        frmAppDetails* screen = office.open(1);
+        appointments::DetailsInput preset;
+        preset.doctorId = "AB";
+        preset.date = "2026/11/23";
+        preset.time = "9:00 am";
+        preset.length = "15";
+        preset.slotType = "1";
+        screen->startNew(preset);
+        QCOMPARE(screen->shownAppId(), 0);
+        line(screen, "Na&me:")->setText("Lee, Kim");
+        office.prompter.script({Answer(answer)});
+        QCOMPARE(screen->save(), answer == int(Answer::Yes));
+        QCOMPARE(office.prompter.messages().first().title, QStringLiteral("Double Booking"));
+        QCOMPARE(office.prompter.messages().first().defaultAnswer, Answer::No);
+        QCOMPARE(office.db->scalar("Select Count(*) From appointments").toInt(), count);
+        QCOMPARE(screen->shownAppId(), answer == int(Answer::Yes) ? 4 : 0);
+    }
+
+    void receiverWords_data() {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<QString>("opened");  // the window that came forward, and on what
+        row("details", "FROMAPPAPPOINTMENT 2", "OK", "details 2");
+        row("details, blanks", "FROMAPPAPPOINTMENT  1 ", "OK", "details 1");
+        row("details of none", "FROMAPPAPPOINTMENT 99", "NOT FOUND", "");
+        row("details of no number", "FROMAPPAPPOINTMENT x1", "NOT FOUND", "");
+        row("fields of a caller's", "VAPP 2",
+            "2|2026/11/23|10:00 am|30|JS||Walker, Jo|613-555-0100|2|2", "");
+        row("fields of a patient's", "VAPP 1",
+            "1|2026/11/23|9:05 am|15|AB|7|Smith, Ann|555-1234|1|1", "");
+        row("fields of none", "VAPP 0", "NOT FOUND", "");
+        row("doctor", "APPDOCTOR js", "OK", "doctors JS");
+        row("doctor of none", "APPDOCTOR ZZ", "NOT FOUND", "");
+    }
+    void receiverWords() {
+        QFETCH(QString, command);
+        QFETCH(QString, answer);
+        QFETCH(QString, opened);
+        Office office;
+        QCOMPARE(office.run(command), answer);
+        QString forward;
+        if (frmAppDetails* details = office.details(); details && details->isVisible()) {
+            forward = QStringLiteral("details %1").arg(details->shownAppId());
+        }
+        if (auto* doctors = office.main.findChild<frmDoctors*>(); doctors && doctors->isVisible()) {
+            forward = QStringLiteral("doctors ") + doctors->shownDoctorId();
+        }
+        QCOMPARE(forward, opened);
+    }
+};
+
+QTEST_MAIN(TestFrmAppDetails)
+#include "test_frmappdetails.moc"
