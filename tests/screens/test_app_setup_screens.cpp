@@ -1,0 +1,353 @@
+#include "OfficeFixture.h"
+
+#include "appointments/AppColumns.h"
+#include "foundation/ActionRegistry.h"
+#include "screens/AppSetupScreens.h"
+#include "screens/frmAppDoctors.h"
+#include "screens/frmAppSetup.h"
+#include "screens/frmAppTimeSlots.h"
+#include "screens/frmManageCodes.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTreeWidget>
+#include <QtTest>
+
+using namespace brimsett;
+using namespace brimsett::appointments;
+
+namespace {
+
+// Slot types 1 "Office visit" (OV, red), 2 the reserved "Requisition" (REQ, blue) and
+// 3 "Physical" (PH, green); appointments 1 and 2 and template 1 use type 1; doctor AB.
+struct Office : test::OfficeFixture {
+    Office() {
+        // Colours as the table keeps them: red in the lowest byte.
+        const QList<QVariantList> types = {{1, "Office visit", "OV", kKindAppointment, 255},
+                                           {2, "Requisition", "REQ", kKindReserved, 0xFF0000},
+                                           {3, "Physical", "PH", kKindAppointment, 0x00FF00}};
+        for (const QVariantList& t : types) {
+            db->exec(QStringLiteral("Insert Into AppTimeSlots (ID, Name, QuickCode, Type, Color, "
+                                    "DefaultLength) Values (?, ?, ?, ?, ?, 15)"),
+                     t);
+        }
+        for (int id : {1, 2}) {
+            db->exec(QStringLiteral("Insert Into Appointments (AppID, SlotType) Values (?, 1)"),
+                     {id});
+        }
+        db->exec(
+            QStringLiteral("Insert Into AppTemplates (AppTempID, DoctorID, Day, TemplateTime, "
+                           "TimeSlot) Values (1, '(d)', 2, 540, 1)"));
+        db->exec(
+            QStringLiteral("Insert Into Doctors (DoctorID, LName, FName) Values ('AB', "
+                           "'Abbott', 'Alice')"));
+    }
+    QString column(const QString& sql) { return test::rowsOf(db->exec(sql)).join(' '); }
+    QString typeIds() { return column("Select ID From AppTimeSlots Order By 1"); }
+};
+
+// The field whose label begins with the text (access letters left out).
+QWidget* field(QWidget* screen, const QString& label) {
+    for (QLabel* l : screen->findChildren<QLabel*>()) {
+        if (l->text().remove('&').startsWith(label)) {
+            return l->buddy();
+        }
+    }
+    return nullptr;
+}
+
+void typeInto(QWidget* screen, const QString& label, const QString& text) {
+    auto* line = qobject_cast<QLineEdit*>(field(screen, label));
+    QVERIFY2(line, qPrintable(label));
+    line->selectAll();
+    QTest::keyClicks(line, text);
+}
+
+QStringList listed(const QTreeWidget* list, int column) {
+    QStringList texts;
+    for (int i = 0; i < list->topLevelItemCount(); ++i) {
+        texts << list->topLevelItem(i)->text(column);
+    }
+    return texts;
+}
+
+}  // namespace
+
+class TestAppSetupScreens : public QObject {
+    Q_OBJECT
+
+private slots:
+    // A new type starts "Untitled 1"; saving it shows every problem at once under "Error",
+    // in the order of the checks, and writes nothing until there are none.
+    void slotTypeChecksShownOnSave_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("shortcut");
+        QTest::addColumn<QString>("length");
+        QTest::addColumn<QStringList>("problems");
+        QTest::newRow("as new") << QString() << QString() << QString()
+                                << QStringList{"Please enter a shortcut for this time slot.",
+                                               "Invalid length."};
+        QTest::newRow("all three")
+            << " "
+            << "O-V"
+            << "0"
+            << QStringList{"Please enter a description for this time slot.",
+                           "Shortcut must be alphanumeric.", "Length must be greater than zero."};
+        QTest::newRow("taken, too long") << "Recheck"
+                                         << "o"
+                                         << "1441"
+                                         << QStringList{"Please choose a different shortcut.",
+                                                        "Length cannot be greater than 1440."};
+        QTest::newRow("a whole day") << "Surgery"
+                                     << "SU"
+                                     << "1440" << QStringList{};
+    }
+    void slotTypeChecksShownOnSave() {
+        QFETCH(QString, name);
+        QFETCH(QString, shortcut);
+        QFETCH(QString, length);
+        QFETCH(QStringList, problems);
+        Office office;
+        frmAppSetup screen(*office.db, office.prompter, office.log);
+        screen.newType();
+        QCOMPARE(qobject_cast<QLineEdit*>(field(&screen, "Description"))->text(),
+                 QStringLiteral("Untitled 1"));
+        if (!name.isNull()) {
+            typeInto(&screen, "Description", name);
+            typeInto(&screen, "Shortcut", shortcut);
+            typeInto(&screen, "Length", length);
+        }
+        QCOMPARE(screen.save(), problems.isEmpty());
+        if (problems.isEmpty()) {
+            QVERIFY(office.prompter.messages().isEmpty());
+            QCOMPARE(office.typeIds(), QStringLiteral("1 2 3 4"));
+            QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength From "
+                                   "AppTimeSlots Where ID=4"),
+                     name + '|' + shortcut + '|' + length);
+            QCOMPARE(screen.shownId(), 4);
+        } else {
+            QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+            QCOMPARE(office.prompter.last().lines, problems);
+            QCOMPARE(office.typeIds(), QStringLiteral("1 2 3"));
+        }
+    }
+
+    // Leaving a changed type asks "Save changes?" under "Time slot changed": Yes saves and
+    // goes, No drops the change and goes, Cancel stays on it. The colour counts as a change.
+    void leavingChangedTypeAsks_data() {
+        QTest::addColumn<bool>("recolour");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("shownAfter");
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("yes") << false << int(Answer::Yes) << 3 << "Home visit|255";
+        QTest::newRow("no") << false << int(Answer::No) << 3 << "Office visit|255";
+        QTest::newRow("cancel") << false << int(Answer::Cancel) << 1 << "Office visit|255";
+        QTest::newRow("colour only, yes") << true << int(Answer::Yes) << 3 << "Office visit|65280";
+    }
+    void leavingChangedTypeAsks() {
+        QFETCH(bool, recolour);
+        QFETCH(int, answer);
+        QFETCH(int, shownAfter);
+        QFETCH(QString, stored);
+        Office office;
+        frmAppSetup screen(*office.db, office.prompter, office.log);
+        QCOMPARE(screen.shownId(), 1);
+        QVERIFY(screen.showType(2));  // nothing changed: nothing asked
+        QVERIFY(screen.showType(1));
+        QVERIFY(office.prompter.messages().isEmpty());
+        if (recolour) {
+            screen.setColor(0x00FF00);
+        } else {
+            typeInto(&screen, "Description", "Home visit");
+        }
+        office.prompter.script({Answer(answer)});
+        QCOMPARE(screen.showType(3), shownAfter == 3);
+        QCOMPARE(screen.shownId(), shownAfter);
+        QCOMPARE(office.prompter.messages().size(), 1);
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Time slot changed"));
+        QCOMPARE(office.prompter.last().text(), QStringLiteral("Save changes?"));
+        QCOMPARE(office.column("Select Name || '|' || Color From AppTimeSlots Where ID=1"), stored);
+    }
+
+    // Delete refuses a reserved type with its warning; otherwise it counts what the type is
+    // used by and purges them only after Yes.
+    void deleteGoesThroughThePurgeQuestion_data() {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("left");
+        const QString purge = QStringLiteral(
+            "There are %1 appointments and %2 templates with this type. Pressing Yes will "
+            "PURGE these appointments. Are you sure?");
+        QTest::newRow("reserved") << 2 << int(Answer::Yes)
+                                  << "This slot type is required.\nYou may not delete it."
+                                  << "1 2 3 / 1 2 / 1";
+        QTest::newRow("in use, no")
+            << 1 << int(Answer::No) << purge.arg(2).arg(1) << "1 2 3 / 1 2 / 1";
+        QTest::newRow("in use, yes") << 1 << int(Answer::Yes) << purge.arg(2).arg(1) << "2 3 /  / ";
+        QTest::newRow("unused, yes")
+            << 3 << int(Answer::Yes) << purge.arg(0).arg(0) << "1 2 / 1 2 / 1";
+    }
+    void deleteGoesThroughThePurgeQuestion() {
+        QFETCH(int, type);
+        QFETCH(int, answer);
+        QFETCH(QString, message);
+        QFETCH(QString, left);
+        Office office;
+        frmAppSetup screen(*office.db, office.prompter, office.log);
+        QVERIFY(screen.showType(type));
+        office.prompter.script({Answer(answer)});
+        screen.deleteType();
+        QCOMPARE(office.prompter.messages().first().text(), message);
+        QCOMPARE(QStringList({office.typeIds(),
+                              office.column("Select AppID From Appointments Order By 1"),
+                              office.column("Select AppTempID From AppTemplates Order By 1")})
+                     .join(" / "),
+                 left);
+        // The screen goes on with a type still on file.
+        QVERIFY(office.typeIds().split(' ').contains(QString::number(screen.shownId())));
+    }
+
+    // A slot is inserted at the time typed (as the book writes times), for the doctor and
+    // weekday chosen; a time that does not read is refused and nothing is written.
+    void templateSlotInserted_data() {
+        QTest::addColumn<QString>("time");
+        QTest::addColumn<QString>("rows");  // as listed, and as stored
+        QTest::newRow("am") << "9:30am"
+                            << " 9:30 am|570";
+        QTest::newRow("24-hour clock") << "13:05"
+                                       << " 1:05 pm|785";
+        QTest::newRow("not a time") << "13:75"
+                                    << "";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
+    void templateSlotInserted() {
+        QFETCH(QString, time);
+        QFETCH(QString, rows);
+        Office office;
+        frmAppTimeSlots screen(*office.db, office.settings, office.prompter, office.log);
+        auto* doctor = qobject_cast<QComboBox*>(field(&screen, "Doctor"));
+        QCOMPARE(doctor->itemText(0), QStringLiteral("(Default)"));
+        screen.showTemplate("ab", 4);  // Wednesday
+        QCOMPARE(qobject_cast<QComboBox*>(field(&screen, "Weekday"))->currentText(),
+                 QStringLiteral("Wednesday"));
+        typeInto(&screen, "Time", time);
+        auto* type = qobject_cast<QComboBox*>(field(&screen, "Type"));
+        type->setCurrentIndex(type->findText("Physical"));
+        QCOMPARE(screen.insertSlot(), !rows.isEmpty());
+        auto* list = screen.findChild<QTreeWidget*>();
+        QCOMPARE(QStringList(listed(list, 0)).join(""), rows.section('|', 0, 0));
+        QCOMPARE(office.column("Select DoctorID || Day || '|' || TemplateTime From AppTemplates "
+                               "Where AppTempID=2"),
+                 rows.isEmpty() ? QString() : "AB4|" + rows.section('|', 1));
+        if (rows.isEmpty()) {
+            QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+            QVERIFY(office.prompter.last().text().contains("'" + time + "'"));
+        } else {
+            QCOMPARE(list->topLevelItem(0)->text(1), QStringLiteral("Physical"));
+        }
+    }
+
+    // A listed slot's time and type change in its row; Delete asks first and keeps the row
+    // on No. The default template lists its own rows, drawn in their type's colour.
+    void templateSlotChangedAndDeleted() {
+        Office office;
+        frmAppTimeSlots screen(*office.db, office.settings, office.prompter, office.log);
+        screen.showTemplate("(d)", 2);
+        auto* list = screen.findChild<QTreeWidget*>();
+        QCOMPARE(listed(list, 0), QStringList{" 9:00 am"});
+        QCOMPARE(list->topLevelItem(0)->icon(1).pixmap(14).toImage().pixelColor(7, 7),
+                 QColor(Qt::red));
+        const auto stored = [&] {
+            return office.column("Select TemplateTime || '/' || TimeSlot From AppTemplates");
+        };
+        list->setCurrentItem(list->topLevelItem(0));
+        list->topLevelItem(0)->setText(0, "10:15 am");
+        QTRY_COMPARE(listed(list, 0), QStringList{"10:15 am"});
+        QCOMPARE(stored(), QStringLiteral("615/1"));
+        list->topLevelItem(0)->setText(0, "25:00");  // refused, and put back
+        QTRY_COMPARE(listed(list, 0), QStringList{"10:15 am"});
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+        list->topLevelItem(0)->setData(1, Qt::UserRole, 3);
+        QCOMPARE(stored(), QStringLiteral("615/3"));
+        QTRY_COMPARE(listed(list, 1), QStringList{"Physical"});
+        for (Answer answer : {Answer::No, Answer::Yes}) {
+            office.prompter.script({answer});
+            list->setCurrentItem(list->topLevelItem(0));
+            screen.deleteSlot();
+            QCOMPARE(office.prompter.last().text(),
+                     QStringLiteral("Are you sure you want to\ndelete this time slot?"));
+        }
+        QCOMPARE(stored(), QString());
+        QCOMPARE(list->topLevelItemCount(), 0);
+    }
+
+    // Ctrl+Up and Ctrl+Down move the current column; Save writes the grid's order as
+    // ColumnOrder with the ticks and widths; a width that is not a number saves nothing.
+    void columnsReorderedAndSaved() {
+        Office office;
+        frmAppDoctors screen(*office.db, office.prompter, office.log);
+        screen.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&screen));
+        auto* grid = screen.findChild<QTreeWidget*>();
+        QCOMPARE(grid->headerItem()->text(4), QStringLiteral("Alignment"));
+        grid->setFocus();
+        grid->setCurrentItem(grid->topLevelItem(0));  // Time
+        QTest::keyClick(grid, Qt::Key_Down, Qt::ControlModifier);
+        QTest::keyClick(grid, Qt::Key_Down, Qt::ControlModifier);
+        grid->setCurrentItem(grid->topLevelItem(6));  // Notes
+        QTest::keyClick(grid, Qt::Key_Up, Qt::ControlModifier);
+        grid->topLevelItem(0)->setCheckState(1, Qt::Unchecked);  // Length hidden
+        grid->topLevelItem(3)->setText(3, "wide");
+        QVERIFY(!screen.save());
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+        QCOMPARE(office.column("Select Count(*) From AppColumns"), QStringLiteral("0"));
+        grid->topLevelItem(3)->setText(3, "120");
+        QTest::keyClick(grid, Qt::Key_S, Qt::ControlModifier);
+        QStringList saved;
+        for (const GridColumn& c : LoadColumns(*office.db)) {
+            saved << QStringLiteral("%1 %2%3 %4")
+                         .arg(c.order)
+                         .arg(c.name)
+                         .arg(c.visible ? "" : "-")
+                         .arg(c.width);
+        }
+        QCOMPARE(saved, QStringList({"0 Length- 50", "1 Patient 180", "2 Time 70", "3 Phone 120",
+                                     "4 Type 90", "5 Notes 220", "6 Status 80", "7 Service- 60",
+                                     "8 Diagnosis- 60"}));
+        QVERIFY(office.prompter.messages().size() == 1);
+        screen.reject();  // saved: nothing asked
+        QCOMPARE(office.prompter.messages().size(), 1);
+    }
+
+    // "Appointment Setup" lists the three windows and opens each; the templates offer a slot
+    // type as soon as it is saved.
+    void appointmentSetupOpensTheThree() {
+        Office office;
+        ActionRegistry registry;
+        QWidget main;
+        registerAppSetupScreens(registry, *office.db, office.settings, office.office.store(),
+                                office.log, office.prompter, &main);
+        QVERIFY(registry.runAction(kActionAppointmentSetup));
+        auto* list = main.findChild<frmManageCodes*>();
+        QCOMPARE(list->windowTitle(), QStringLiteral("Appointment Setup"));
+        for (int i : {0, 1, 2}) {
+            list->choose(i);
+        }
+        QVERIFY(main.findChild<frmAppDoctors*>());
+        auto* slotTypes = main.findChild<frmAppSetup*>();
+        auto* templates = main.findChild<frmAppTimeSlots*>();
+        auto* type = qobject_cast<QComboBox*>(field(templates, "Type"));
+        QCOMPARE(type->count(), 3);
+        slotTypes->newType();
+        typeInto(slotTypes, "Shortcut", "X");
+        typeInto(slotTypes, "Length", "10");
+        QVERIFY(slotTypes->save());
+        QCOMPARE(type->itemText(3), QStringLiteral("Untitled 1"));
+    }
+};
+
+QTEST_MAIN(TestAppSetupScreens)
+#include "test_app_setup_screens.moc"
