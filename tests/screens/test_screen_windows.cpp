@@ -7,6 +7,9 @@
 #include "screens/MessageBoxPrompter.h"
 #include "screens/WindowPlace.h"
 #include "screens/frmAppDetails.h"
+#include "screens/frmAppDoctors.h"
+#include "screens/frmAppSetup.h"
+#include "screens/frmAppTimeSlots.h"
 #include "screens/frmBMain.h"
 #include "screens/frmClaim.h"
 #include "screens/frmDoctors.h"
@@ -56,6 +59,9 @@ struct Office : test::OfficeFixture {
         {"frmAppDetails", [&] { return new frmAppDetails(*db, settings, prompter, log); }},
         {"frmDoctorsOther", [&] { return new frmDoctorsOther(*db, settings, log, prompter); }},
         {"frmThirdParty", [&] { return new frmThirdParty(*db, prompter, log); }},
+        {"frmAppSetup", [&] { return new frmAppSetup(*db, prompter, log); }},
+        {"frmAppTimeSlots", [&] { return new frmAppTimeSlots(*db, settings, prompter, log); }},
+        {"frmAppDoctors", [&] { return new frmAppDoctors(*db, prompter, log); }},
         {"frmEDTSetup",
          [&] { return new frmEDTSetup(*db, settings, prompter, clock, log, folder); }},
         {"frmOptions", [&] { return new frmOptions(settings, office.store(), *db, prompter); }},
