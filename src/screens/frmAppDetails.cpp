@@ -87,13 +87,12 @@ frmAppDetails::frmAppDetails(Database& db, AppSettings& settings, Prompter& prom
     auto* saveKey = new QShortcut(QKeySequence::Save, this);
     connect(saveKey, &QShortcut::activated, this, guarded(this, &frmAppDetails::save));
 
-    m_readOnly = new QLabel(
-        QStringLiteral("Made by the lab requisition program: it can be read, not changed."), this);
+    m_readOnly =
+        new QLabel(QStringLiteral("Made by the lab requisition program: read only here."), this);
     m_readOnly->setStyleSheet(QStringLiteral("color: #a00000"));
     m_readOnly->hide();
 
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(m_readOnly);
     buttons->addStretch();
     buttons->addWidget(save);
     buttons->addWidget(close);
@@ -101,7 +100,9 @@ frmAppDetails::frmAppDetails(Database& db, AppSettings& settings, Prompter& prom
     layout->addWidget(patientBox());
     layout->addWidget(appointmentBox());
     layout->addStretch();
+    layout->addWidget(m_readOnly);
     layout->addLayout(buttons);
+    lineUpLabels();
 
     auto* enter = new EnterMovesOn(this);
     for (QWidget* field : std::initializer_list<QWidget*>{
@@ -197,6 +198,25 @@ QWidget* frmAppDetails::appointmentBox() {
     return box;
 }
 
+void frmAppDetails::lineUpLabels() {
+    // One label width for both boxes, so that their fields start in one column.
+    QList<QWidget*> labels;
+    for (QFormLayout* form : findChildren<QFormLayout*>()) {
+        for (int row = 0; row < form->rowCount(); ++row) {
+            if (QLayoutItem* label = form->itemAt(row, QFormLayout::LabelRole)) {
+                labels << label->widget();
+            }
+        }
+    }
+    int width = 0;
+    for (QWidget* label : labels) {
+        width = std::max(width, label->sizeHint().width());
+    }
+    for (QWidget* label : labels) {
+        label->setMinimumWidth(width);
+    }
+}
+
 void frmAppDetails::fillLists() {
     m_doctor->clear();
     m_doctor->addItem(QString(), QString());
@@ -226,6 +246,9 @@ bool frmAppDetails::showAppointment(qint64 appId) {
 void frmAppDetails::startNew(const DetailsInput& preset) {
     DetailsInput fresh = preset;
     fresh.appId = 0;
+    if (fresh.status == 0) {
+        fresh.status = 1;  // a booking made at the desk is Booked unless told otherwise
+    }
     showOnFields(fresh);
     m_readOnly->hide();
     m_patientId->setFocus();

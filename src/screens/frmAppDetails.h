@@ -49,6 +49,7 @@ protected:
 private:
     QWidget* patientBox();
     QWidget* appointmentBox();
+    void lineUpLabels();
     void fillLists();
     void showOnFields(const appointments::DetailsInput& input);
     appointments::DetailsInput fromFields() const;

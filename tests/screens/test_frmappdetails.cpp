@@ -91,14 +91,19 @@ private slots:
         QTest::addColumn<bool>("callerFields");
         QTest::addColumn<QStringList>("fields");  // number, name, phone, doctor, date, time, length
         QTest::addColumn<QStringList>("lists");   // type, status, notes, service, diagnosis
+        QTest::addColumn<bool>("readOnly");
         row("registered patient", qint64(1), "Smith, Ann   555-1234   DOB: 1980/05/17", false,
             QStringList{"7", "Smith, Ann", "555-1234", "AB - Abbott, Alice", "2026/11/23",
                         "9:05 am", "15"},
-            QStringList{"Visit", "Booked", "flu shot", "A007A", "799"});
+            QStringList{"Visit", "Booked", "flu shot", "A007A", "799"}, false);
         row("caller", qint64(2), "Caller not registered: name and phone", true,
             QStringList{"", "Walker, Jo", "613-555-0100", "JS - Singh, Jaspreet", "2026/11/23",
                         "10:00 am", "30"},
-            QStringList{"Physical", "Confirmed", "", "", ""});
+            QStringList{"Physical", "Confirmed", "", "", ""}, false);
+        row("requisition's", qint64(3), "Smith, Ann   555-1234   DOB: 1980/05/17", false,
+            QStringList{"7", "Smith, Ann", "555-1234", "AB - Abbott, Alice", "2026/11/24",
+                        "9:00 am", "15"},
+            QStringList{"Visit", "Booked", "blood work", "", ""}, true);
     }
     void showsTheAppointment() {
         QFETCH(qint64, appId);
@@ -106,6 +111,7 @@ private slots:
         QFETCH(bool, callerFields);
         QFETCH(QStringList, fields);
         QFETCH(QStringList, lists);
+        QFETCH(bool, readOnly);
         Office office;
         frmAppDetails* screen = office.open(appId);
         QVERIFY(screen && screen->isVisible());
@@ -127,6 +133,11 @@ private slots:
             lineShown = lineShown || label->text() == patientLine;
         }
         QVERIFY2(lineShown, qPrintable(patientLine));
+        bool noteShown = false;
+        for (QLabel* label : screen->findChildren<QLabel*>()) {
+            noteShown = noteShown || (label->isVisible() && label->text().contains("requisition"));
+        }
+        QCOMPARE(noteShown, readOnly);
         QCOMPARE(line(screen, "Na&me:")->isEnabled(), callerFields);
         QVERIFY(office.prompter.messages().isEmpty());
         QVERIFY(QTest::qWaitForWindowExposed(screen));
@@ -325,6 +336,7 @@ private slots:
         preset.slotType = "1";
         screen->startNew(preset);
         QCOMPARE(screen->shownAppId(), 0);
+        QCOMPARE(box(screen, "Stat&us:")->currentText(), QStringLiteral("Booked"));
         line(screen, "Na&me:")->setText("Lee, Kim");
         office.prompter.script({Answer(answer)});
         QCOMPARE(screen->save(), answer == int(Answer::Yes));

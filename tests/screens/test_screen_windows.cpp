@@ -179,7 +179,7 @@ private slots:
     // patients found show six at least.
     void recordWindowsFitSmallScreen_data() {
         QTest::addColumn<QString>("screen");
-        for (const char* name : {"frmPatients", "frmClaim", "frmDoctors"}) {
+        for (const char* name : {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails"}) {
             QTest::newRow(name) << QString::fromLatin1(name);
         }
     }
