@@ -175,6 +175,20 @@ private slots:
         QCOMPARE(office.stored(1, "AppLength, SlotType, ServiceCode, DiagCode"), stored);
     }
 
+    // A caller who turns out to be registered: the book shows the patient's own name and
+    // phone; a number that is no patient's greys nothing.
+    void registeredPatientNumberTyped() {
+        Office office;
+        frmAppDetails* screen = office.open(2);
+        line(screen, "Patient &number:")->setText("7");
+        QVERIFY(!line(screen, "Na&me:")->isEnabled());
+        QVERIFY(screen->save());
+        QCOMPARE(office.stored(2, "PatientID, PatientName, PatientPhone"),
+                 QStringLiteral("7|Smith, Ann|555-1234"));
+        line(screen, "Patient &number:")->setText("70");
+        QVERIFY(line(screen, "Na&me:")->isEnabled());
+    }
+
     // A letter typed in the status box picks the status at its place in " OCWSNB"; other
     // keys leave the box to itself.
     void statusLetters_data() {
@@ -188,20 +202,21 @@ private slots:
         row("S", "S", "Seen", 4);
         row("n", "n", "No Show", 5);
         row("B", "B", "Billed", 6);
-        row("letter of no status", "x", "Booked", 1);
+        row("letter of no status", "x", "Confirmed", 2);
     }
     void statusLetters() {
         QFETCH(QString, typed);
         QFETCH(QString, shown);
         QFETCH(int, stored);
         Office office;
-        frmAppDetails* screen = office.open(1);
+        // From Confirmed, the list's own search by first letter would land elsewhere.
+        frmAppDetails* screen = office.open(2);
         QComboBox* status = box(screen, "Stat&us:");
         QTest::keyClicks(status, typed);
         QCOMPARE(status->currentText(), shown);
         QVERIFY(QTest::qWaitForWindowActive(screen));
         QTest::keyClick(status, Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(office.stored(1, "Status"), QString::number(stored));
+        QCOMPARE(office.stored(2, "Status"), QString::number(stored));
         QCOMPARE(office.prompter.messages().size(), 0);
     }
 
