@@ -55,7 +55,8 @@ frmAppDoctors::frmAppDoctors(Database& db, Prompter& prompter, const SqlLog& log
                              QStringLiteral("Alignment")});
     m_grid->setRootIsDecorated(false);
     m_grid->setUniformRowHeights(true);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    // Cell by cell, so that Left and Right reach the boxes and Space ticks them.
+    m_grid->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_grid->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                             QAbstractItemView::SelectedClicked);
     // Rows are dropped between rows, never onto one: the grid has no levels.

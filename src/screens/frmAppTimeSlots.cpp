@@ -69,6 +69,8 @@ frmAppTimeSlots::frmAppTimeSlots(Database& db, AppSettings& settings, Prompter& 
     choose->addWidget(m_day);
 
     m_list = recordlist::make(this, {QStringLiteral("Time"), QStringLiteral("Slot Type")}, 1);
+    // Cell by cell, so that Left and Right reach a slot's type and F2 changes either.
+    m_list->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                             QAbstractItemView::SelectedClicked);
     m_typeChoices = new ChoiceDelegate({}, this);
@@ -111,7 +113,9 @@ frmAppTimeSlots::frmAppTimeSlots(Database& db, AppSettings& settings, Prompter& 
                     m_time->setFocus();
                 }
             }));
-    recordlist::enableForRow(m_list, {remove});
+    m_remove = remove;
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+            guarded(this, [this] { recordlist::enableForRow(m_list, {m_remove}); }));
 
     auto* adding = new QHBoxLayout;
     adding->addWidget(timeLabel);
@@ -124,10 +128,10 @@ frmAppTimeSlots::frmAppTimeSlots(Database& db, AppSettings& settings, Prompter& 
     buttons->addWidget(remove);
     buttons->addStretch();
     buttons->addWidget(close);
-    auto* hint = new QLabel(
-        QStringLiteral("F2 changes the time of the slot chosen; a double click on its type "
-                       "changes the type."),
-        this);
+    auto* hint =
+        new QLabel(QStringLiteral("F2 (or a double click) changes the time or the type of the slot "
+                                  "chosen; Left and Right move between them."),
+                   this);
     hint->setEnabled(false);
     hint->setWordWrap(true);
 
@@ -185,6 +189,7 @@ void frmAppTimeSlots::refreshList(int currentId) {
     m_list->resizeColumnToContents(kTime);
     m_list->setColumnWidth(kTime, m_list->columnWidth(kTime) + 16);
     recordlist::keepCurrent(m_list, currentId > 0 ? QString::number(currentId) : QString());
+    recordlist::enableForRow(m_list, {m_remove});
 }
 
 bool frmAppTimeSlots::insertSlot() {

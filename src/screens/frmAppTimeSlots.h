@@ -49,6 +49,7 @@ private:
     QTreeWidget* m_list = nullptr;
     QLineEdit* m_time = nullptr;
     QComboBox* m_type = nullptr;
+    QWidget* m_remove = nullptr;
     ChoiceDelegate* m_typeChoices = nullptr;
     QList<appointments::TemplateRow> m_rows;  // as listed
 };

@@ -8,6 +8,7 @@
 #include "screens/frmAppTimeSlots.h"
 #include "screens/frmManageCodes.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -84,29 +85,35 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("shortcut");
         QTest::addColumn<QString>("length");
+        QTest::addColumn<int>("kind");
         QTest::addColumn<QStringList>("problems");
-        QTest::newRow("as new") << QString() << QString() << QString()
+        QTest::newRow("as new") << QString() << QString() << QString() << kKindAppointment
                                 << QStringList{"Please enter a shortcut for this time slot.",
                                                "Invalid length."};
         QTest::newRow("all three")
             << " "
             << "O-V"
-            << "0"
+            << "0" << kKindAppointment
             << QStringList{"Please enter a description for this time slot.",
                            "Shortcut must be alphanumeric.", "Length must be greater than zero."};
         QTest::newRow("taken, too long") << "Recheck"
                                          << "o"
-                                         << "1441"
+                                         << "1441" << kKindBlocked
                                          << QStringList{"Please choose a different shortcut.",
                                                         "Length cannot be greater than 1440."};
-        QTest::newRow("a whole day") << "Surgery"
-                                     << "SU"
-                                     << "1440" << QStringList{};
+        QTest::newRow("reserved kind")
+            << "Lab"
+            << "LB"
+            << "10" << kKindReserved << QStringList{"This slot type is reserved."};
+        QTest::newRow("a whole day, blocked") << "Surgery"
+                                              << "SU"
+                                              << "1440" << kKindBlocked << QStringList{};
     }
     void slotTypeChecksShownOnSave() {
         QFETCH(QString, name);
         QFETCH(QString, shortcut);
         QFETCH(QString, length);
+        QFETCH(int, kind);
         QFETCH(QStringList, problems);
         Office office;
         frmAppSetup screen(*office.db, office.prompter, office.log);
@@ -118,6 +125,8 @@ private slots:
             typeInto(&screen, "Shortcut", shortcut);
             typeInto(&screen, "Length", length);
         }
+        auto* kinds = qobject_cast<QComboBox*>(field(&screen, "Kind"));
+        kinds->setCurrentIndex(kinds->findData(kind));
         QCOMPARE(screen.save(), problems.isEmpty());
         if (problems.isEmpty()) {
             QVERIFY(office.prompter.messages().isEmpty());
@@ -125,6 +134,8 @@ private slots:
             QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength From "
                                    "AppTimeSlots Where ID=4"),
                      name + '|' + shortcut + '|' + length);
+            QCOMPARE(office.column("Select Type From AppTimeSlots Where ID=4"),
+                     QString::number(kind));
             QCOMPARE(screen.shownId(), 4);
         } else {
             QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
@@ -270,18 +281,33 @@ private slots:
         list->topLevelItem(0)->setText(0, "25:00");  // refused, and put back
         QTRY_COMPARE(listed(list, 0), QStringList{"10:15 am"});
         QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
-        list->topLevelItem(0)->setData(1, Qt::UserRole, 3);
-        QCOMPARE(stored(), QStringLiteral("615/3"));
+        // The type from the keyboard: Right to it, F2, a letter of the type, Enter.
+        screen.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&screen));
+        list->setFocus();
+        list->setCurrentItem(list->topLevelItem(0), 0);
+        QTest::keyClick(list, Qt::Key_Right);
+        QTest::keyClick(list, Qt::Key_F2);
+        auto* editor = qobject_cast<QComboBox*>(QApplication::focusWidget());
+        QVERIFY(editor);
+        QTest::keyClicks(editor, "Ph");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_COMPARE(stored(), QStringLiteral("615/3"));
         QTRY_COMPARE(listed(list, 1), QStringList{"Physical"});
+        QAbstractButton* remove = nullptr;
+        for (QAbstractButton* b : screen.findChildren<QAbstractButton*>()) {
+            remove = b->text() == "De&lete" ? b : remove;
+        }
         for (Answer answer : {Answer::No, Answer::Yes}) {
             office.prompter.script({answer});
-            list->setCurrentItem(list->topLevelItem(0));
-            screen.deleteSlot();
+            QVERIFY(remove->isEnabled());
+            remove->click();
             QCOMPARE(office.prompter.last().text(),
                      QStringLiteral("Are you sure you want to\ndelete this time slot?"));
         }
         QCOMPARE(stored(), QString());
         QCOMPARE(list->topLevelItemCount(), 0);
+        QVERIFY(!remove->isEnabled());
     }
 
     // Ctrl+Up and Ctrl+Down move the current column; Save writes the grid's order as
@@ -299,7 +325,10 @@ private slots:
         QTest::keyClick(grid, Qt::Key_Down, Qt::ControlModifier);
         grid->setCurrentItem(grid->topLevelItem(6));  // Notes
         QTest::keyClick(grid, Qt::Key_Up, Qt::ControlModifier);
-        grid->topLevelItem(0)->setCheckState(1, Qt::Unchecked);  // Length hidden
+        // Length hidden from the keyboard: Right to the Visible box, Space.
+        grid->setCurrentItem(grid->topLevelItem(0), 0);
+        QTest::keyClick(grid, Qt::Key_Right);
+        QTest::keyClick(grid, Qt::Key_Space);
         grid->topLevelItem(3)->setText(3, "wide");
         QVERIFY(!screen.save());
         QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
@@ -320,6 +349,51 @@ private slots:
         QVERIFY(office.prompter.messages().size() == 1);
         screen.reject();  // saved: nothing asked
         QCOMPARE(office.prompter.messages().size(), 1);
+    }
+
+    // Each window opens at a modest desk size with every button whole and inside it; the
+    // picture is left in the temporary folder to be looked at.
+    void windowsFitAModestSize_data() {
+        QTest::addColumn<QString>("screen");
+        for (const char* name : {"frmAppSetup", "frmAppTimeSlots", "frmAppDoctors"}) {
+            QTest::newRow(name) << QString::fromLatin1(name);
+        }
+    }
+    void windowsFitAModestSize() {
+        QFETCH(QString, screen);
+        Office office;
+        office.db->exec("Update AppTimeSlots Set DefaultServiceCode='A007', DefaultDiagCode='799'");
+        for (int minute = 570; minute < 720; minute += 15) {
+            office.db->exec(
+                "Insert Into AppTemplates (AppTempID, DoctorID, Day, TemplateTime, "
+                "TimeSlot) Values (?, '(d)', 2, ?, ?)",
+                {minute, minute, minute % 2 == 0 ? 1 : 3});
+        }
+        std::unique_ptr<QWidget> window;
+        if (screen == "frmAppSetup") {
+            window = std::make_unique<frmAppSetup>(*office.db, office.prompter, office.log);
+        } else if (screen == "frmAppTimeSlots") {
+            auto* templates =
+                new frmAppTimeSlots(*office.db, office.settings, office.prompter, office.log);
+            templates->showTemplate("(d)", 2);
+            window.reset(templates);
+        } else {
+            window = std::make_unique<frmAppDoctors>(*office.db, office.prompter, office.log);
+        }
+        const QSize size(screen == "frmAppSetup" ? 760 : 560, 480);
+        window->resize(size);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        window->grab().save(QDir::tempPath() + "/" + screen + ".png");
+        QCOMPARE(window->size(), size);
+        for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+            if (button->isVisibleTo(window.get()) && button->window() == window.get()) {
+                const QRect place(button->mapTo(window.get(), QPoint(0, 0)), button->size());
+                QVERIFY2(window->rect().contains(place) &&
+                             button->width() >= button->minimumSizeHint().width(),
+                         qPrintable(button->text()));
+            }
+        }
     }
 
     // "Appointment Setup" lists the three windows and opens each; the templates offer a slot
