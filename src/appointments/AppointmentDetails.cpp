@@ -90,8 +90,7 @@ CheckedDetails checkDetails(Database& db, const DetailsInput& in) {
 
     const std::optional<int> time = parseTimeText(in.time);
     if (!time) {
-        problems << QStringLiteral("Invalid time: '%1' is not a time of day such as 9:15am.")
-                        .arg(in.time.trimmed());
+        problems << invalidTimeProblem(in.time);
     }
     const std::optional<int> length = number(in.length);
     if (!length) {

@@ -29,6 +29,11 @@ QString TimeText(int minutes) {
            AmPm(hour);
 }
 
+QString invalidTimeProblem(const QString& text) {
+    return QStringLiteral("Invalid time: '%1' is not a time of day such as 9:15am.")
+        .arg(text.trimmed());
+}
+
 std::optional<int> parseTimeText(const QString& text) {
     static const QRegularExpression pattern(
         QStringLiteral("^\\s*(\\d{1,2}):(\\d{2})\\s*(am|pm)?\\s*$"),

@@ -29,5 +29,7 @@ QString TimeText(int minutes);
 // free, hour 1 to 12), or "H:MM" on the 24-hour clock (hour 0 to 23). TimeText's own text
 // reads back. Nothing for anything else ("13:75", "0:30 am", "9.30").
 std::optional<int> parseTimeText(const QString& text);
+// What the desk is told when a typed time does not read.
+QString invalidTimeProblem(const QString& text);
 
 }  // namespace brimsett::appointments

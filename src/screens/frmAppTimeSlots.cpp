@@ -195,9 +195,7 @@ void frmAppTimeSlots::refreshList(int currentId) {
 bool frmAppTimeSlots::insertSlot() {
     const std::optional<int> time = parseTimeText(m_time->text());
     if (!time) {
-        m_prompter.error({QStringLiteral("Invalid time: '%1' is not a time of day such as "
-                                         "9:15am.")
-                              .arg(m_time->text().trimmed())});
+        m_prompter.error({invalidTimeProblem(m_time->text())});
         m_time->setFocus();
         return false;
     }
@@ -251,9 +249,7 @@ void frmAppTimeSlots::rowEdited(QTreeWidgetItem* item, int column) {
         if (time && *time == listed->slot.time) {
             return;
         }
-        problem = time ? setTemplateTime(m_db, m_log, id, *time)
-                       : QStringLiteral("Invalid time: '%1' is not a time of day such as 9:15am.")
-                             .arg(typed.trimmed());
+        problem = time ? setTemplateTime(m_db, m_log, id, *time) : invalidTimeProblem(typed);
     } else {
         const int type = item->data(kType, Qt::UserRole).toInt();
         if (type == listed->slot.slotType) {
