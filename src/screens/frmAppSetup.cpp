@@ -66,6 +66,7 @@ frmAppSetup::frmAppSetup(Database& db, Prompter& prompter, const SqlLog& log, QW
     m_length = recordlist::sizedLine(fields, 5, 7);
     m_color = new QPushButton(QStringLiteral("C&olour..."), fields);
     m_color->setAutoDefault(false);
+    m_color->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     m_service = recordlist::sizedLine(fields, 5, 7);
     m_diag = recordlist::sizedLine(fields, 4, 7);
     addRow(QStringLiteral("Descri&ption:"), m_name);
