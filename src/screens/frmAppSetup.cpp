@@ -77,6 +77,7 @@ frmAppSetup::frmAppSetup(Database& db, Prompter& prompter, const SqlLog& log, QW
     addRow(QStringLiteral("Default se&rvice code:"), m_service);
     addRow(QStringLiteral("Default dia&gnostic code:"), m_diag);
     connect(m_color, &QPushButton::clicked, this, guarded(this, &frmAppSetup::chooseColor));
+    connect(m_kind, &QComboBox::activated, this, guarded(this, &frmAppSetup::kindChosen));
     fields->setMinimumWidth(340);
 
     auto* add = new QPushButton(QStringLiteral("&New"), this);
@@ -215,6 +216,15 @@ void frmAppSetup::deleteType() {
         newType();
     }
     m_list->setFocus();
+}
+
+void frmAppSetup::kindChosen() {
+    // Told at once rather than at save: the reserved kind is the program's own, so no type
+    // becomes one and none stops being one. The box goes back to the type's own kind.
+    if ((m_kind->currentData().toInt() == kKindReserved) != isReserved(m_shown)) {
+        m_kind->setCurrentIndex(m_kind->findData(m_shown.type));
+        m_prompter.error({QStringLiteral("This slot type is reserved.")});
+    }
 }
 
 void frmAppSetup::chooseColor() {

@@ -44,6 +44,7 @@ signals:
 private:
     void refreshList();
     void listRowChanged(QTreeWidgetItem* current);
+    void kindChosen();
     void chooseColor();
     bool leaveShown();
     void showOnFields(const appointments::SlotType& type);

@@ -144,6 +144,34 @@ private slots:
         }
     }
 
+    // The reserved kind cannot be chosen for an ordinary type nor left by a reserved one: it
+    // is told as it is chosen and the box goes back to the type's own kind.
+    void reservedKindRefusedAsChosen_data() {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("kindAfter");
+        QTest::addColumn<int>("messages");
+        QTest::newRow("blocked time") << 1 << int(Qt::Key_Down) << "Blocked time" << 0;
+        QTest::newRow("made reserved") << 1 << int(Qt::Key_End) << "Appointment" << 1;
+        QTest::newRow("reserved left") << 2 << int(Qt::Key_Home) << "Reserved" << 1;
+    }
+    void reservedKindRefusedAsChosen() {
+        QFETCH(int, type);
+        QFETCH(int, key);
+        QFETCH(QString, kindAfter);
+        QFETCH(int, messages);
+        Office office;
+        frmAppSetup screen(*office.db, office.prompter, office.log);
+        QVERIFY(screen.showType(type));
+        auto* kinds = qobject_cast<QComboBox*>(field(&screen, "Kind"));
+        QTest::keyClick(kinds, Qt::Key(key));
+        QCOMPARE(kinds->currentText(), kindAfter);
+        QCOMPARE(office.prompter.messages().size(), messages);
+        if (messages > 0) {
+            QCOMPARE(office.prompter.last().text(), QStringLiteral("This slot type is reserved."));
+        }
+    }
+
     // Leaving a changed type asks "Save changes?" under "Time slot changed": Yes saves and
     // goes, No drops the change and goes, Cancel stays on it. The colour counts as a change.
     void leavingChangedTypeAsks_data() {
