@@ -143,7 +143,6 @@ frmAppTimeSlots::frmAppTimeSlots(Database& db, AppSettings& settings, Prompter& 
     layout->addLayout(buttons);
 
     reloadSlotTypes();
-    refreshList(0);
     m_doctor->setFocus();
 }
 
@@ -159,6 +158,8 @@ void frmAppTimeSlots::reloadSlotTypes() {
     if (const int at = m_type->findText(chosen); at >= 0) {
         m_type->setCurrentIndex(at);
     }
+    // A renamed, recoloured or purged type shows in the list too.
+    refreshList(recordlist::currentKey(m_list).toInt());
 }
 
 void frmAppTimeSlots::showTemplate(const QString& doctorId, int day) {

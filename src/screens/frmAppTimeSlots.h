@@ -34,7 +34,8 @@ public:
     bool insertSlot();
     // Deletes the current slot after asking.
     void deleteSlot();
-    // The slot types offered, read again (after the slot types were changed).
+    // The slot types offered and the slots listed, read again (after the slot types were
+    // changed).
     void reloadSlotTypes();
 
 private:

@@ -448,6 +448,15 @@ private slots:
         typeInto(slotTypes, "Length", "10");
         QVERIFY(slotTypes->save());
         QCOMPARE(type->itemText(3), QStringLiteral("Untitled 1"));
+        // A type purged takes its slots off the template shown.
+        templates->showTemplate("(d)", 2);
+        auto* rows = templates->findChild<QTreeWidget*>();
+        QCOMPARE(rows->topLevelItemCount(), 1);
+        QVERIFY(slotTypes->showType(1));
+        office.prompter.script({Answer::Yes});
+        slotTypes->deleteType();
+        QCOMPARE(rows->topLevelItemCount(), 0);
+        QCOMPARE(type->count(), 3);
     }
 };
 
