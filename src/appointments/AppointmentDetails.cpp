@@ -62,7 +62,8 @@ CheckedDetails checkDetails(Database& db, const DetailsInput& in) {
     Appointment& a = out.appointment;
     QStringList& problems = out.problems;
     a.appId = in.appId;
-    a.doctorId = in.doctorId.trimmed();
+    // Doctor numbers are kept in capitals, so the book and the claims find the doctor's rows.
+    a.doctorId = in.doctorId.trimmed().toUpper();
     if (a.doctorId.isEmpty()) {
         problems << QStringLiteral("Doctor ID must be entered.");
     }

@@ -148,7 +148,7 @@ int showDay(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
-    for (const DayLine& l : dayLines(session.db(), args.argument(0), date)) {
+    for (const DayLine& l : dayLines(session.db(), args.argument(0).toUpper(), date)) {
         session.out() << TimeText(l.time) << "\t" << l.length << "\t" << l.slotName << "\t"
                       << (l.appointment ? StatusName(l.appointment->status) : QString()) << "\t"
                       << (l.appointment ? l.appointment->whoText() : QString()) << "\t"
