@@ -101,7 +101,8 @@ QString templateDoctor(const CliArgs& args, int& status) {
         status = args.usageError(QStringLiteral("give either --doctor ID or --default"));
         return {};
     }
-    return doctor ? args.value(QStringLiteral("doctor")).trimmed() : defaultTemplateDoctor();
+    return doctor ? args.value(QStringLiteral("doctor")).trimmed().toUpper()
+                  : defaultTemplateDoctor();
 }
 
 bool readDay(const CliArgs& args, int& day) {
