@@ -25,24 +25,15 @@ namespace {
 struct Office : test::OfficeFixture {
     Office() {
         // Colours as the table keeps them: red in the lowest byte.
-        const QList<QVariantList> types = {{1, "Office visit", "OV", kKindAppointment, 255},
-                                           {2, "Requisition", "REQ", kKindReserved, 0xFF0000},
-                                           {3, "Physical", "PH", kKindAppointment, 0x00FF00}};
-        for (const QVariantList& t : types) {
-            db->exec(QStringLiteral("Insert Into AppTimeSlots (ID, Name, QuickCode, Type, Color, "
-                                    "DefaultLength) Values (?, ?, ?, ?, ?, 15)"),
-                     t);
-        }
-        for (int id : {1, 2}) {
-            db->exec(QStringLiteral("Insert Into Appointments (AppID, SlotType) Values (?, 1)"),
-                     {id});
-        }
         db->exec(
-            QStringLiteral("Insert Into AppTemplates (AppTempID, DoctorID, Day, TemplateTime, "
-                           "TimeSlot) Values (1, '(d)', 2, 540, 1)"));
+            "Insert Into AppTimeSlots (ID, Name, QuickCode, Type, Color, DefaultLength) Values"
+            " (1, 'Office visit', 'OV', 0, 255, 15), (2, 'Requisition', 'REQ', 2, 16711680, 15),"
+            " (3, 'Physical', 'PH', 0, 65280, 15)");
+        db->exec("Insert Into Appointments (AppID, SlotType) Values (1, 1), (2, 1)");
         db->exec(
-            QStringLiteral("Insert Into Doctors (DoctorID, LName, FName) Values ('AB', "
-                           "'Abbott', 'Alice')"));
+            "Insert Into AppTemplates (AppTempID, DoctorID, Day, TemplateTime, TimeSlot) Values"
+            " (1, '(d)', 2, 540, 1)");
+        db->exec("Insert Into Doctors (DoctorID, LName, FName) Values ('AB', 'Abbott', 'Alice')");
     }
     QString column(const QString& sql) { return test::rowsOf(db->exec(sql)).join(' '); }
     QString typeIds() { return column("Select ID From AppTimeSlots Order By 1"); }
@@ -79,63 +70,36 @@ class TestAppSetupScreens : public QObject {
     Q_OBJECT
 
 private slots:
-    // A new type starts "Untitled 1"; saving it shows every problem at once under "Error",
-    // in the order of the checks, and writes nothing until there are none.
+    // A new type starts "Untitled 1"; saving shows every problem of the checks at once
+    // under "Error" and writes nothing until there are none.
     void slotTypeChecksShownOnSave_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("shortcut");
-        QTest::addColumn<QString>("length");
-        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("fields");  // description|shortcut|length
         QTest::addColumn<QStringList>("problems");
-        QTest::newRow("as new") << QString() << QString() << QString() << kKindAppointment
-                                << QStringList{"Please enter a shortcut for this time slot.",
-                                               "Invalid length."};
-        QTest::newRow("all three")
-            << " "
-            << "O-V"
-            << "0" << kKindAppointment
-            << QStringList{"Please enter a description for this time slot.",
-                           "Shortcut must be alphanumeric.", "Length must be greater than zero."};
-        QTest::newRow("taken, too long") << "Recheck"
-                                         << "o"
-                                         << "1441" << kKindBlocked
-                                         << QStringList{"Please choose a different shortcut.",
-                                                        "Length cannot be greater than 1440."};
-        QTest::newRow("reserved kind")
-            << "Lab"
-            << "LB"
-            << "10" << kKindReserved << QStringList{"This slot type is reserved."};
-        QTest::newRow("a whole day, blocked") << "Surgery"
-                                              << "SU"
-                                              << "1440" << kKindBlocked << QStringList{};
+        test::row(
+            "all three", " |O-V|0",
+            QStringList{"Please enter a description for this time slot.",
+                        "Shortcut must be alphanumeric.", "Length must be greater than zero."});
+        test::row("a whole day", "Surgery|SU|1440", QStringList{});
     }
     void slotTypeChecksShownOnSave() {
-        QFETCH(QString, name);
-        QFETCH(QString, shortcut);
-        QFETCH(QString, length);
-        QFETCH(int, kind);
+        QFETCH(QString, fields);
         QFETCH(QStringList, problems);
         Office office;
         frmAppSetup screen(*office.db, office.prompter, office.log);
         screen.newType();
         QCOMPARE(qobject_cast<QLineEdit*>(field(&screen, "Description"))->text(),
                  QStringLiteral("Untitled 1"));
-        if (!name.isNull()) {
-            typeInto(&screen, "Description", name);
-            typeInto(&screen, "Shortcut", shortcut);
-            typeInto(&screen, "Length", length);
-        }
+        const QStringList f = fields.split('|');
+        typeInto(&screen, "Description", f[0]);
+        typeInto(&screen, "Shortcut", f[1]);
+        typeInto(&screen, "Length", f[2]);
         auto* kinds = qobject_cast<QComboBox*>(field(&screen, "Kind"));
-        kinds->setCurrentIndex(kinds->findData(kind));
+        kinds->setCurrentIndex(kinds->findData(kKindBlocked));
         QCOMPARE(screen.save(), problems.isEmpty());
         if (problems.isEmpty()) {
-            QVERIFY(office.prompter.messages().isEmpty());
-            QCOMPARE(office.typeIds(), QStringLiteral("1 2 3 4"));
-            QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength From "
-                                   "AppTimeSlots Where ID=4"),
-                     name + '|' + shortcut + '|' + length);
-            QCOMPARE(office.column("Select Type From AppTimeSlots Where ID=4"),
-                     QString::number(kind));
+            QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength || '|' "
+                                   "|| Type From AppTimeSlots Where ID=4"),
+                     fields + '|' + QString::number(kKindBlocked));
             QCOMPARE(screen.shownId(), 4);
         } else {
             QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
@@ -150,162 +114,122 @@ private slots:
         QTest::addColumn<int>("type");
         QTest::addColumn<int>("key");
         QTest::addColumn<QString>("kindAfter");
-        QTest::addColumn<int>("messages");
-        QTest::newRow("blocked time") << 1 << int(Qt::Key_Down) << "Blocked time" << 0;
-        QTest::newRow("made reserved") << 1 << int(Qt::Key_End) << "Appointment" << 1;
-        QTest::newRow("reserved left") << 2 << int(Qt::Key_Home) << "Reserved" << 1;
+        test::row("blocked time", 1, int(Qt::Key_Down), "Blocked time");
+        test::row("made reserved", 1, int(Qt::Key_End), "Appointment");
+        test::row("reserved left", 2, int(Qt::Key_Home), "Reserved");
     }
     void reservedKindRefusedAsChosen() {
         QFETCH(int, type);
         QFETCH(int, key);
         QFETCH(QString, kindAfter);
-        QFETCH(int, messages);
         Office office;
         frmAppSetup screen(*office.db, office.prompter, office.log);
         QVERIFY(screen.showType(type));
         auto* kinds = qobject_cast<QComboBox*>(field(&screen, "Kind"));
         QTest::keyClick(kinds, Qt::Key(key));
         QCOMPARE(kinds->currentText(), kindAfter);
-        QCOMPARE(office.prompter.messages().size(), messages);
-        if (messages > 0) {
+        const bool refused = kindAfter != "Blocked time";
+        QCOMPARE(office.prompter.messages().size(), refused ? 1 : 0);
+        if (refused) {
             QCOMPARE(office.prompter.last().text(), QStringLiteral("This slot type is reserved."));
         }
     }
 
     // Leaving a changed type asks "Save changes?" under "Time slot changed": Yes saves and
-    // goes, No drops the change and goes, Cancel stays on it. The colour counts as a change.
-    void leavingChangedTypeAsks_data() {
-        QTest::addColumn<bool>("recolour");
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<int>("shownAfter");
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("yes") << false << int(Answer::Yes) << 3 << "Home visit|255";
-        QTest::newRow("no") << false << int(Answer::No) << 3 << "Office visit|255";
-        QTest::newRow("cancel") << false << int(Answer::Cancel) << 1 << "Office visit|255";
-        QTest::newRow("colour only, yes") << true << int(Answer::Yes) << 3 << "Office visit|65280";
-    }
-    void leavingChangedTypeAsks() {
-        QFETCH(bool, recolour);
-        QFETCH(int, answer);
-        QFETCH(int, shownAfter);
-        QFETCH(QString, stored);
-        Office office;
-        frmAppSetup screen(*office.db, office.prompter, office.log);
-        QCOMPARE(screen.shownId(), 1);
-        QVERIFY(screen.showType(2));  // nothing changed: nothing asked
-        QVERIFY(screen.showType(1));
-        QVERIFY(office.prompter.messages().isEmpty());
-        if (recolour) {
-            screen.setColor(0x00FF00);
-        } else {
-            typeInto(&screen, "Description", "Home visit");
-        }
-        office.prompter.script({Answer(answer)});
-        QCOMPARE(screen.showType(3), shownAfter == 3);
-        QCOMPARE(screen.shownId(), shownAfter);
-        QCOMPARE(office.prompter.messages().size(), 1);
-        QCOMPARE(office.prompter.last().title, QStringLiteral("Time slot changed"));
-        QCOMPARE(office.prompter.last().text(), QStringLiteral("Save changes?"));
-        QCOMPARE(office.column("Select Name || '|' || Color From AppTimeSlots Where ID=1"), stored);
-    }
-
-    // Delete refuses a reserved type with its warning; otherwise it counts what the type is
-    // used by and purges them only after Yes.
-    void deleteGoesThroughThePurgeQuestion_data() {
+    // goes, No drops the change and goes, Cancel stays; the colour counts as a change. Delete
+    // refuses a reserved type, asks the purge question of one in use and purges only on Yes.
+    void questionsAskedAndObeyed_data() {
         QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("action");  // "rename", "recolour" (then show 3) or "delete"
         QTest::addColumn<int>("answer");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("told");  // title: text
+        QTest::addColumn<int>("shownAfter");
+        QTest::addColumn<QString>("left");  // types / type 1 / appointments / templates
+        const QString leave = QStringLiteral("Time slot changed: Save changes?");
         const QString purge = QStringLiteral(
-            "There are %1 appointments and %2 templates with this type. Pressing Yes will "
+            "Confirm Delete: There are 2 appointments and 1 templates with this type. Pressing Yes "
+            "will "
             "PURGE these appointments. Are you sure?");
-        QTest::newRow("reserved") << 2 << int(Answer::Yes)
-                                  << "This slot type is required.\nYou may not delete it."
-                                  << "1 2 3 / 1 2 / 1";
-        QTest::newRow("in use, no")
-            << 1 << int(Answer::No) << purge.arg(2).arg(1) << "1 2 3 / 1 2 / 1";
-        QTest::newRow("in use, yes") << 1 << int(Answer::Yes) << purge.arg(2).arg(1) << "2 3 /  / ";
-        QTest::newRow("unused, yes")
-            << 3 << int(Answer::Yes) << purge.arg(0).arg(0) << "1 2 / 1 2 / 1";
+        const QString kept = QStringLiteral("1 2 3 / Office visit|255 / 1 2 / 1");
+        test::row("leave, yes", 1, "rename", int(Answer::Yes), leave, 3,
+                  "1 2 3 / Home visit|255 / 1 2 / 1");
+        test::row("leave, no", 1, "rename", int(Answer::No), leave, 3, kept);
+        test::row("leave, cancel", 1, "rename", int(Answer::Cancel), leave, 1, kept);
+        test::row("colour only, yes", 1, "recolour", int(Answer::Yes), leave, 3,
+                  "1 2 3 / Office visit|65280 / 1 2 / 1");
+        test::row("delete reserved", 2, "delete", int(Answer::Yes),
+                  "Warning: This slot type is required.\nYou may not delete it.", 2, kept);
+        test::row("delete in use, no", 1, "delete", int(Answer::No), purge, 1, kept);
+        test::row("delete in use, yes", 1, "delete", int(Answer::Yes), purge, 2, "2 3 /  /  / ");
     }
-    void deleteGoesThroughThePurgeQuestion() {
+    void questionsAskedAndObeyed() {
         QFETCH(int, type);
+        QFETCH(QString, action);
         QFETCH(int, answer);
-        QFETCH(QString, message);
+        QFETCH(QString, told);
+        QFETCH(int, shownAfter);
         QFETCH(QString, left);
         Office office;
         frmAppSetup screen(*office.db, office.prompter, office.log);
+        QVERIFY(screen.showType(type == 1 ? 2 : 1));  // nothing changed: nothing asked
         QVERIFY(screen.showType(type));
+        QVERIFY(office.prompter.messages().isEmpty());
+        if (action == "recolour") {
+            screen.setColor(0x00FF00);
+        } else if (action == "rename") {
+            typeInto(&screen, "Description", "Home visit");
+        }
         office.prompter.script({Answer(answer)});
-        screen.deleteType();
-        QCOMPARE(office.prompter.messages().first().text(), message);
+        if (action == "delete") {
+            screen.deleteType();
+        } else {
+            QCOMPARE(screen.showType(3), shownAfter == 3);
+        }
+        QCOMPARE(office.prompter.messages().size(), 1);
+        QCOMPARE(office.prompter.last().title + ": " + office.prompter.last().text(), told);
+        QCOMPARE(screen.shownId(), shownAfter);
         QCOMPARE(QStringList({office.typeIds(),
+                              office.column("Select Name || '|' || Color From AppTimeSlots "
+                                            "Where ID=1"),
                               office.column("Select AppID From Appointments Order By 1"),
                               office.column("Select AppTempID From AppTemplates Order By 1")})
                      .join(" / "),
                  left);
-        // The screen goes on with a type still on file.
-        QVERIFY(office.typeIds().split(' ').contains(QString::number(screen.shownId())));
     }
 
-    // A slot is inserted at the time typed (as the book writes times), for the doctor and
-    // weekday chosen; a time that does not read is refused and nothing is written.
-    void templateSlotInserted_data() {
-        QTest::addColumn<QString>("time");
-        QTest::addColumn<QString>("rows");  // as listed, and as stored
-        QTest::newRow("am") << "9:30am"
-                            << " 9:30 am|570";
-        QTest::newRow("24-hour clock") << "13:05"
-                                       << " 1:05 pm|785";
-        QTest::newRow("not a time") << "13:75"
-                                    << "";
-        QTest::newRow("empty") << ""
-                               << "";
-    }
-    void templateSlotInserted() {
-        QFETCH(QString, time);
-        QFETCH(QString, rows);
+    // For the doctor and weekday chosen, a slot is inserted at the time typed (a time that
+    // does not read is refused) and drawn in its type's colour; its time and type change in
+    // its row; Delete asks first and keeps the row on No.
+    void templateSlotsInsertedChangedAndDeleted() {
         Office office;
         frmAppTimeSlots screen(*office.db, office.settings, office.prompter, office.log);
-        auto* doctor = qobject_cast<QComboBox*>(field(&screen, "Doctor"));
-        QCOMPARE(doctor->itemText(0), QStringLiteral("(Default)"));
-        screen.showTemplate("ab", 4);  // Wednesday
+        QCOMPARE(qobject_cast<QComboBox*>(field(&screen, "Doctor"))->itemText(0),
+                 QStringLiteral("(Default)"));
+        screen.showTemplate("ab", 4);
         QCOMPARE(qobject_cast<QComboBox*>(field(&screen, "Weekday"))->currentText(),
                  QStringLiteral("Wednesday"));
-        typeInto(&screen, "Time", time);
         auto* type = qobject_cast<QComboBox*>(field(&screen, "Type"));
         type->setCurrentIndex(type->findText("Physical"));
-        QCOMPARE(screen.insertSlot(), !rows.isEmpty());
         auto* list = screen.findChild<QTreeWidget*>();
-        QCOMPARE(QStringList(listed(list, 0)).join(""), rows.section('|', 0, 0));
-        QCOMPARE(office.column("Select DoctorID || Day || '|' || TemplateTime From AppTemplates "
-                               "Where AppTempID=2"),
-                 rows.isEmpty() ? QString() : "AB4|" + rows.section('|', 1));
-        if (rows.isEmpty()) {
-            QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
-            QVERIFY(office.prompter.last().text().contains("'" + time + "'"));
-        } else {
-            QCOMPARE(list->topLevelItem(0)->text(1), QStringLiteral("Physical"));
-        }
-    }
-
-    // A listed slot's time and type change in its row; Delete asks first and keeps the row
-    // on No. The default template lists its own rows, drawn in their type's colour.
-    void templateSlotChangedAndDeleted() {
-        Office office;
-        frmAppTimeSlots screen(*office.db, office.settings, office.prompter, office.log);
-        screen.showTemplate("(d)", 2);
-        auto* list = screen.findChild<QTreeWidget*>();
-        QCOMPARE(listed(list, 0), QStringList{" 9:00 am"});
-        QCOMPARE(list->topLevelItem(0)->icon(1).pixmap(14).toImage().pixelColor(7, 7),
-                 QColor(Qt::red));
         const auto stored = [&] {
-            return office.column("Select TemplateTime || '/' || TimeSlot From AppTemplates");
+            return office.column(
+                "Select DoctorID || Day || ' ' || TemplateTime || '/' || "
+                "TimeSlot From AppTemplates Where AppTempID=2");
         };
+        typeInto(&screen, "Time", "13:75");
+        QVERIFY(!screen.insertSlot());
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+        QVERIFY(office.prompter.last().text().contains("'13:75'"));
+        typeInto(&screen, "Time", "1:05pm");
+        QVERIFY(screen.insertSlot());
+        QCOMPARE(listed(list, 0), QStringList{" 1:05 pm"});
+        QCOMPARE(stored(), QStringLiteral("AB4 785/3"));
+        QCOMPARE(list->topLevelItem(0)->icon(1).pixmap(14).toImage().pixelColor(7, 7),
+                 QColor(Qt::green));
         list->setCurrentItem(list->topLevelItem(0));
         list->topLevelItem(0)->setText(0, "10:15 am");
         QTRY_COMPARE(listed(list, 0), QStringList{"10:15 am"});
-        QCOMPARE(stored(), QStringLiteral("615/1"));
+        QCOMPARE(stored(), QStringLiteral("AB4 615/3"));
         list->topLevelItem(0)->setText(0, "25:00");  // refused, and put back
         QTRY_COMPARE(listed(list, 0), QStringList{"10:15 am"});
         QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
@@ -318,10 +242,10 @@ private slots:
         QTest::keyClick(list, Qt::Key_F2);
         auto* editor = qobject_cast<QComboBox*>(QApplication::focusWidget());
         QVERIFY(editor);
-        QTest::keyClicks(editor, "Ph");
+        QTest::keyClicks(editor, "Of");
         QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_COMPARE(stored(), QStringLiteral("615/3"));
-        QTRY_COMPARE(listed(list, 1), QStringList{"Physical"});
+        QTRY_COMPARE(stored(), QStringLiteral("AB4 615/1"));
+        QTRY_COMPARE(listed(list, 1), QStringList{"Office visit"});
         QAbstractButton* remove = nullptr;
         for (QAbstractButton* b : screen.findChildren<QAbstractButton*>()) {
             remove = b->text() == "De&lete" ? b : remove;
