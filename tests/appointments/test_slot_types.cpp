@@ -24,14 +24,13 @@ struct Office : test::OfficeFixture {
 
     // "types / appointments / templates", each as "id=type".
     QString state() {
-        const auto column = [this](const QString& sql) {
-            return test::rowsOf(db->exec(sql)).join(QLatin1Char(' '));
-        };
-        return QStringList{column("Select ID From AppTimeSlots Order By 1"),
-                           column("Select AppID || '=' || SlotType From Appointments Order By 1"),
-                           column("Select AppTempID || '=' || TimeSlot From AppTemplates "
-                                  "Order By 1")}
-            .join(QStringLiteral(" / "));
+        return db
+            ->scalar(
+                "Select (Select group_concat(ID, ' ') From AppTimeSlots) || ' / ' || "
+                "(Select group_concat(AppID || '=' || SlotType, ' ') From Appointments) || "
+                "' / ' || (Select group_concat(AppTempID || '=' || TimeSlot, ' ') From "
+                "AppTemplates)")
+            .toString();
     }
 };
 
