@@ -26,13 +26,15 @@ struct Office : test::OfficeFixture {
             " (8,'Bad','Card','','1970-01-01','ON','1234567890',''),"
             " (9,'Roy','Luc','','1960-02-02','QC','XXXX','')"));
     }
-    DetailsInput input(const QString& time = QStringLiteral("9:00am"), int type = 1) {
+    // "doctor|patient|date|time|length|type", booked; 2026/11/25 is a Wednesday.
+    static DetailsInput input(const QString& time = "9:00am", const QString& doctor = "01") {
+        return fields(doctor + "||2026/11/25|" + time + "|15|1");
+    }
+    static DetailsInput fields(const QString& fields) {
+        const QStringList f = fields.split('|');
         DetailsInput in;
-        in.doctorId = QStringLiteral("01");
-        in.date = QStringLiteral("2026/11/25");  // a Wednesday
-        in.time = time;
-        in.length = QStringLiteral("15");
-        in.slotType = QString::number(type);
+        std::tie(in.doctorId, in.patientId, in.date, in.time, in.length, in.slotType) =
+            std::tie(f[0], f[1], f[2], f[3], f[4], f[5]);
         in.status = 1;
         return in;
     }
@@ -72,16 +74,8 @@ private slots:
     void detailsChecks() {
         QFETCH(QString, problems);
         Office o;
-        DetailsInput in = o.input();
         QFETCH(QString, fields);
-        const QStringList f = fields.split('|');
-        in.doctorId = f[0];
-        in.patientId = f[1];
-        in.date = f[2];
-        in.time = f[3];
-        in.length = f[4];
-        in.slotType = f[5];
-        const std::optional<qint64> saved = o.book(in);
+        const std::optional<qint64> saved = o.book(Office::fields(fields));
         QCOMPARE(saved.has_value(), problems.isEmpty());
         QCOMPARE(o.count(), problems.isEmpty() ? 1 : 0);
         QCOMPARE(o.prompter.messages().size(), problems.isEmpty() ? 0 : 1);
@@ -122,8 +116,7 @@ private slots:
         QFETCH(bool, asked);
         Office o;
         const QStringList w = other.split(' ');
-        DetailsInput in = o.input(w[1]);
-        in.doctorId = w[0];
+        DetailsInput in = o.input(w[1], w[0]);
         in.status = w[2].toInt();
         QVERIFY(o.book(in));
         QCOMPARE(o.book(o.input()).has_value(), !asked);
@@ -174,11 +167,8 @@ private slots:
             "Insert Into apptemplates (AppTempID, DoctorID, Day, TemplateTime, TimeSlot) Values"
             " (1,'(d)',4,540,1),(2,'(d)',4,555,1),(3,'(d)',4,570,1),(4,'(d)',4,600,2),"
             " (5,'01',5,540,1)"));
-        DetailsInput in = o.input();
-        in.patientId = QStringLiteral("7");
-        QVERIFY(o.book(in));
-        in = o.input(QStringLiteral("9:15am"), 2);
-        in.length = QStringLiteral("30");
+        QVERIFY(o.book(Office::fields("01|7|2026/11/25|9:00am|15|1")));
+        DetailsInput in = Office::fields("01||2026/11/25|9:15am|30|2");
         in.patientName = QStringLiteral("Walk In");
         QVERIFY(o.book(in));  // covers the 9:15 and 9:30 slots
         QStringList got;
@@ -230,9 +220,7 @@ private slots:
                 RecordingPrompter prompter;
                 AppointmentBook book(*db, prompter, o.log);
                 for (int i = 0; i < kEach; ++i) {
-                    DetailsInput in = o.input(TimeText(i * 15));
-                    in.doctorId = doctor;
-                    failures += book.save(in) ? 0 : 1;
+                    failures += book.save(o.input(TimeText(i * 15), doctor)) ? 0 : 1;
                 }
             } catch (...) {
                 ++failures;
