@@ -70,44 +70,6 @@ class TestAppSetupScreens : public QObject {
     Q_OBJECT
 
 private slots:
-    // A new type starts "Untitled 1"; saving shows every problem of the checks at once
-    // under "Error" and writes nothing until there are none.
-    void slotTypeChecksShownOnSave_data() {
-        QTest::addColumn<QString>("fields");  // description|shortcut|length
-        QTest::addColumn<QStringList>("problems");
-        test::row(
-            "all three", " |O-V|0",
-            QStringList{"Please enter a description for this time slot.",
-                        "Shortcut must be alphanumeric.", "Length must be greater than zero."});
-        test::row("a whole day", "Surgery|SU|1440", QStringList{});
-    }
-    void slotTypeChecksShownOnSave() {
-        QFETCH(QString, fields);
-        QFETCH(QStringList, problems);
-        Office office;
-        frmAppSetup screen(*office.db, office.prompter, office.log);
-        screen.newType();
-        QCOMPARE(qobject_cast<QLineEdit*>(field(&screen, "Description"))->text(),
-                 QStringLiteral("Untitled 1"));
-        const QStringList f = fields.split('|');
-        typeInto(&screen, "Description", f[0]);
-        typeInto(&screen, "Shortcut", f[1]);
-        typeInto(&screen, "Length", f[2]);
-        auto* kinds = qobject_cast<QComboBox*>(field(&screen, "Kind"));
-        kinds->setCurrentIndex(kinds->findData(kKindBlocked));
-        QCOMPARE(screen.save(), problems.isEmpty());
-        if (problems.isEmpty()) {
-            QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength || '|' "
-                                   "|| Type From AppTimeSlots Where ID=4"),
-                     fields + '|' + QString::number(kKindBlocked));
-            QCOMPARE(screen.shownId(), 4);
-        } else {
-            QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
-            QCOMPARE(office.prompter.last().lines, problems);
-            QCOMPARE(office.typeIds(), QStringLiteral("1 2 3"));
-        }
-    }
-
     // The reserved kind cannot be chosen for an ordinary type nor left by a reserved one: it
     // is told as it is chosen and the box goes back to the type's own kind.
     void reservedKindRefusedAsChosen_data() {
@@ -314,13 +276,6 @@ private slots:
     void windowsFitAModestSize() {
         QFETCH(QString, screen);
         Office office;
-        office.db->exec("Update AppTimeSlots Set DefaultServiceCode='A007', DefaultDiagCode='799'");
-        for (int minute = 570; minute < 720; minute += 15) {
-            office.db->exec(
-                "Insert Into AppTemplates (AppTempID, DoctorID, Day, TemplateTime, "
-                "TimeSlot) Values (?, '(d)', 2, ?, ?)",
-                {minute, minute, minute % 2 == 0 ? 1 : 3});
-        }
         std::unique_ptr<QWidget> window;
         if (screen == "frmAppSetup") {
             window = std::make_unique<frmAppSetup>(*office.db, office.prompter, office.log);
@@ -348,8 +303,9 @@ private slots:
         }
     }
 
-    // "Appointment Setup" lists the three windows and opens each; the templates offer a slot
-    // type as soon as it is saved.
+    // "Appointment Setup" lists the three windows and opens each. A new type starts
+    // "Untitled 1"; saving shows every problem of the checks at once and writes nothing until
+    // there are none; the templates offer it as soon as it is saved.
     void appointmentSetupOpensTheThree() {
         Office office;
         ActionRegistry registry;
@@ -368,10 +324,29 @@ private slots:
         auto* type = qobject_cast<QComboBox*>(field(templates, "Type"));
         QCOMPARE(type->count(), 3);
         slotTypes->newType();
-        typeInto(slotTypes, "Shortcut", "X");
-        typeInto(slotTypes, "Length", "10");
+        QCOMPARE(qobject_cast<QLineEdit*>(field(slotTypes, "Description"))->text(),
+                 QStringLiteral("Untitled 1"));
+        const auto fill = [&](const QString& name, const QString& shortcut, const QString& length) {
+            typeInto(slotTypes, "Description", name);
+            typeInto(slotTypes, "Shortcut", shortcut);
+            typeInto(slotTypes, "Length", length);
+        };
+        fill(" ", "O-V", "0");
+        QVERIFY(!slotTypes->save());
+        QCOMPARE(office.prompter.last().title, QStringLiteral("Error"));
+        QCOMPARE(
+            office.prompter.last().lines,
+            (QStringList{"Please enter a description for this time slot.",
+                         "Shortcut must be alphanumeric.", "Length must be greater than zero."}));
+        QCOMPARE(office.typeIds(), QStringLiteral("1 2 3"));
+        fill("Surgery", "SU", "1440");
+        auto* kinds = qobject_cast<QComboBox*>(field(slotTypes, "Kind"));
+        kinds->setCurrentIndex(kinds->findData(kKindBlocked));
         QVERIFY(slotTypes->save());
-        QCOMPARE(type->itemText(3), QStringLiteral("Untitled 1"));
+        QCOMPARE(office.column("Select Name || '|' || QuickCode || '|' || DefaultLength || '|' || "
+                               "Type From AppTimeSlots Where ID=4"),
+                 QStringLiteral("Surgery|SU|1440|1"));
+        QCOMPARE(type->itemText(3), QStringLiteral("Surgery"));
         // A type purged takes its slots off the template shown.
         templates->showTemplate("(d)", 2);
         auto* rows = templates->findChild<QTreeWidget*>();

@@ -139,69 +139,43 @@ private slots:
         QVERIFY(screen->grab().save(QStringLiteral("/tmp/frmAppDetails-%1.png").arg(appId)));
     }
 
-    // A length typed first is overwritten by the chosen type's, and its codes come along.
-    void choosingASlotTypeFillsItsDefaults_data() {
-        QTest::addColumn<int>("moves");  // Down keys from Visit
+    // What is typed or chosen fills the rest and is saved with Ctrl+S: a slot type brings its
+    // length and codes over what was typed, even chosen again; a registered patient's number
+    // brings the name and phone; a letter in the status box picks the status at its place in
+    // " OCWSNB" (from Confirmed, where the list's own search would land elsewhere).
+    void typedOrChosenFillsAndSaves_data() {
+        QTest::addColumn<qint64>("appId");
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("columns");
         QTest::addColumn<QString>("stored");
-        row("Physical", 1, "30|2|A003A|917");
-        row("back to Visit", 0, "15|1|A007A|799");
+        const char* fromType = "AppLength, SlotType, ServiceCode, DiagCode";
+        row("another type", qint64(1), "T&ype:", "P", fromType, "30|2|A003A|917");
+        row("the same type again", qint64(1), "T&ype:", "", fromType, "15|1|A007A|799");
+        row("patient number", qint64(2), "Patient &number:", "7",
+            "PatientID, PatientName, PatientPhone", "7|Smith, Ann|555-1234");
+        row("status blank", qint64(2), "Stat&us:", " ", "Status", "0");
+        row("status o", qint64(2), "Stat&us:", "o", "Status", "1");
+        row("status S", qint64(2), "Stat&us:", "S", "Status", "4");
+        row("letter of no status", qint64(2), "Stat&us:", "x", "Status", "2");
     }
-    void choosingASlotTypeFillsItsDefaults() {
-        QFETCH(int, moves);
+    void typedOrChosenFillsAndSaves() {
+        QFETCH(qint64, appId);
+        QFETCH(QString, caption);
+        QFETCH(QString, typed);
+        QFETCH(QString, columns);
         QFETCH(QString, stored);
         Office office;
-        frmAppDetails* screen = office.open(1);
+        frmAppDetails* screen = office.open(appId);
+        QVERIFY(QTest::qWaitForWindowActive(screen));
         line(screen, "&Length:")->setText("45");
         line(screen, "Se&rvice code:")->setText("X");
-        QComboBox* types = box(screen, "T&ype:");
-        if (moves == 0) {
+        if (auto* types = qobject_cast<QComboBox*>(field(screen, caption)); typed.isEmpty()) {
             emit types->activated(types->currentIndex());  // chosen again from the list
         }
-        for (int i = 0; i < moves; ++i) {
-            QTest::keyClick(types, Qt::Key_Down);
-        }
-        QVERIFY(screen->save());
-        QCOMPARE(office.stored(1, "AppLength, SlotType, ServiceCode, DiagCode"), stored);
-    }
-
-    // A caller who turns out to be registered: the book shows the patient's own name and
-    // phone; a number that is no patient's greys nothing.
-    void registeredPatientNumberTyped() {
-        Office office;
-        frmAppDetails* screen = office.open(2);
-        line(screen, "Patient &number:")->setText("7");
-        QVERIFY(!line(screen, "Na&me:")->isEnabled());
-        QVERIFY(screen->save());
-        QCOMPARE(office.stored(2, "PatientID, PatientName, PatientPhone"),
-                 QStringLiteral("7|Smith, Ann|555-1234"));
-        line(screen, "Patient &number:")->setText("70");
-        QVERIFY(line(screen, "Na&me:")->isEnabled());
-    }
-
-    // A letter typed in the status box picks the status at its place in " OCWSNB"; other
-    // keys leave the box to itself.
-    void statusLetters_data() {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<int>("stored");
-        row("blank", " ", "(None)", 0);
-        row("o", "o", "Booked", 1);
-        row("S", "S", "Seen", 4);
-        row("letter of no status", "x", "Confirmed", 2);
-    }
-    void statusLetters() {
-        QFETCH(QString, typed);
-        QFETCH(QString, shown);
-        QFETCH(int, stored);
-        Office office;
-        // From Confirmed, the list's own search by first letter would land elsewhere.
-        frmAppDetails* screen = office.open(2);
-        QComboBox* status = box(screen, "Stat&us:");
-        QTest::keyClicks(status, typed);
-        QCOMPARE(status->currentText(), shown);
-        QVERIFY(QTest::qWaitForWindowActive(screen));
-        QTest::keyClick(status, Qt::Key_S, Qt::ControlModifier);
-        QCOMPARE(office.stored(2, "Status"), QString::number(stored));
+        QTest::keyClicks(field(screen, caption), typed);
+        QTest::keyClick(field(screen, caption), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(office.stored(appId, columns), stored);
         QCOMPARE(office.prompter.messages().size(), 0);
     }
 
