@@ -277,13 +277,11 @@ private slots:
         QFETCH(int, count);
         Office office;
         frmAppDetails* screen = office.open(1);
-        appointments::DetailsInput preset;
-        preset.doctorId = "AB";
-        preset.date = "2026/11/23";
-        preset.time = "9:00 am";
-        preset.length = "15";
-        preset.slotType = "1";
-        screen->startNew(preset);
+        screen->startNew({.doctorId = "AB",
+                          .date = "2026/11/23",
+                          .time = "9:00 am",
+                          .length = "15",
+                          .slotType = "1"});
         QCOMPARE(screen->shownAppId(), 0);
         QCOMPARE(box(screen, "Stat&us:")->currentText(), QStringLiteral("Booked"));
         line(screen, "Na&me:")->setText("Lee, Kim");
