@@ -300,15 +300,9 @@ private slots:
                                "Type From AppTimeSlots Where ID=4"),
                  QStringLiteral("Surgery|SU|1440|1"));
         QCOMPARE(type->itemText(3), QStringLiteral("Surgery"));
-        // A type purged takes its slots off the template shown.
         templates->showTemplate("(d)", 2);
         auto* rows = templates->findChild<QTreeWidget*>();
         QCOMPARE(rows->topLevelItemCount(), 1);
-        QVERIFY(slotTypes->showType(1));
-        office.prompter.script({Answer::Yes});
-        slotTypes->deleteType();
-        QCOMPARE(rows->topLevelItemCount(), 0);
-        QCOMPARE(type->count(), 3);
         for (QWidget* window : std::initializer_list<QWidget*>{slotTypes, templates, columns}) {
             const QSize size(window == slotTypes ? 760 : 560, 480);
             window->resize(size);
@@ -325,6 +319,12 @@ private slots:
                 }
             }
         }
+        // A type purged takes its slots off the template shown.
+        QVERIFY(slotTypes->showType(1));
+        office.prompter.script({Answer::Yes});
+        slotTypes->deleteType();
+        QCOMPARE(rows->topLevelItemCount(), 0);
+        QCOMPARE(type->count(), 3);
     }
 };
 

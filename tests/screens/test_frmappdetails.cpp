@@ -297,7 +297,6 @@ private slots:
         QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("answer");
         QTest::addColumn<QString>("opened");  // the window that came forward, and on what
-        row("details", "FROMAPPAPPOINTMENT 2", "OK", "details 2");
         row("details of none", "FROMAPPAPPOINTMENT 99", "NOT FOUND", "");
         row("fields of a caller's", "VAPP 2",
             "2|2026/11/23|10:00 am|30|JS||Walker, Jo|613-555-0100|2|2", "");
