@@ -4,7 +4,7 @@
 #include "appointments/AppointmentTime.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/DateText.h"
-#include "screens/WindowPlace.h"
+#include "screens/ScreenOpener.h"
 #include "screens/frmAppDetails.h"
 
 #include <QPointer>
@@ -16,28 +16,15 @@ namespace {
 const QString kNotFound = QStringLiteral("NOT FOUND");
 
 // Opens the details once and brings them forward when they are asked for again.
-class AppDetailsOpener : public QObject {
+class AppDetailsOpener : public ScreenOpener {
 public:
-    AppDetailsOpener(Database& db, AppSettings& settings, SettingsStore& store, const SqlLog& log,
-                     Prompter& prompter, QWidget* parent)
-        : QObject(parent),
-          m_db(db),
-          m_settings(settings),
-          m_store(store),
-          m_log(log),
-          m_prompter(prompter),
-          m_parent(parent) {}
+    using ScreenOpener::ScreenOpener;
 
     frmAppDetails* details() {
-        if (!m_details) {
-            m_details = new frmAppDetails(m_db, m_settings, m_prompter, m_log, m_parent);
-            m_details->setAttribute(Qt::WA_DeleteOnClose);
-            windowplace::remember(m_details, m_store, QStringLiteral("frmAppDetails"));
-        }
-        m_details->show();
-        m_details->raise();
-        m_details->activateWindow();
-        return m_details;
+        return bringForward(
+            m_details,
+            [this] { return new frmAppDetails(m_db, m_settings, m_prompter, m_log, m_parent); },
+            QStringLiteral("frmAppDetails"));
     }
 
     // The receiver's questions are answered from the database, whatever is on screen.
@@ -48,12 +35,6 @@ public:
     }
 
 private:
-    Database& m_db;
-    AppSettings& m_settings;
-    SettingsStore& m_store;
-    const SqlLog& m_log;
-    Prompter& m_prompter;
-    QWidget* m_parent;
     QPointer<frmAppDetails> m_details;
 };
 

@@ -1,8 +1,8 @@
 #include "screens/AppSetupScreens.h"
 
 #include "foundation/ActionRegistry.h"
+#include "screens/ScreenOpener.h"
 #include "screens/SlotGuard.h"
-#include "screens/WindowPlace.h"
 #include "screens/frmAppDoctors.h"
 #include "screens/frmAppSetup.h"
 #include "screens/frmAppTimeSlots.h"
@@ -17,58 +17,50 @@ namespace {
 enum Window { kSlotTypes, kTemplates, kColumns };
 
 // Opens the list and each setup window once, and brings them forward when asked again.
-class AppSetupOpener : public QObject {
+class AppSetupOpener : public ScreenOpener {
 public:
-    AppSetupOpener(Database& db, AppSettings& settings, SettingsStore& store, const SqlLog& log,
-                   Prompter& prompter, QWidget* parent)
-        : QObject(parent),
-          m_db(db),
-          m_settings(settings),
-          m_store(store),
-          m_log(log),
-          m_prompter(prompter),
-          m_parent(parent) {}
+    using ScreenOpener::ScreenOpener;
 
     void showList() {
-        if (!m_list) {
-            m_list = new frmManageCodes({QStringLiteral("Slot Types"), QStringLiteral("Templates"),
-                                         QStringLiteral("Book Columns")},
-                                        m_parent, QStringLiteral("Appointment Setup"));
-            m_list->setAttribute(Qt::WA_DeleteOnClose);
-            connect(m_list, &frmManageCodes::chosen, this, guarded(this, &AppSetupOpener::open));
-        }
-        bringForward(m_list);
+        bringForward(m_list, [this] {
+            auto* list =
+                new frmManageCodes({QStringLiteral("Slot Types"), QStringLiteral("Templates"),
+                                    QStringLiteral("Book Columns")},
+                                   m_parent, QStringLiteral("Appointment Setup"));
+            connect(list, &frmManageCodes::chosen, this, guarded(this, &AppSetupOpener::open));
+            return list;
+        });
     }
 
     void open(int window) {
         switch (window) {
             case kSlotTypes:
-                if (!m_slotTypes) {
-                    m_slotTypes = made(new frmAppSetup(m_db, m_prompter, m_log, m_parent),
-                                       QStringLiteral("frmAppSetup"));
-                    connect(m_slotTypes, &frmAppSetup::slotTypesChanged, this,
-                            guarded(this, [this] {
-                                if (m_templates) {
-                                    m_templates->reloadSlotTypes();
-                                }
-                            }));
-                }
-                bringForward(m_slotTypes);
+                bringForward(
+                    m_slotTypes,
+                    [this] {
+                        auto* screen = new frmAppSetup(m_db, m_prompter, m_log, m_parent);
+                        connect(screen, &frmAppSetup::slotTypesChanged, this, guarded(this, [this] {
+                                    if (m_templates) {
+                                        m_templates->reloadSlotTypes();
+                                    }
+                                }));
+                        return screen;
+                    },
+                    QStringLiteral("frmAppSetup"));
                 break;
             case kTemplates:
-                if (!m_templates) {
-                    m_templates =
-                        made(new frmAppTimeSlots(m_db, m_settings, m_prompter, m_log, m_parent),
-                             QStringLiteral("frmAppTimeSlots"));
-                }
-                bringForward(m_templates);
+                bringForward(
+                    m_templates,
+                    [this] {
+                        return new frmAppTimeSlots(m_db, m_settings, m_prompter, m_log, m_parent);
+                    },
+                    QStringLiteral("frmAppTimeSlots"));
                 break;
             case kColumns:
-                if (!m_columns) {
-                    m_columns = made(new frmAppDoctors(m_db, m_prompter, m_log, m_parent),
-                                     QStringLiteral("frmAppDoctors"));
-                }
-                bringForward(m_columns);
+                bringForward(
+                    m_columns,
+                    [this] { return new frmAppDoctors(m_db, m_prompter, m_log, m_parent); },
+                    QStringLiteral("frmAppDoctors"));
                 break;
             default:
                 break;
@@ -76,25 +68,6 @@ public:
     }
 
 private:
-    template <typename Screen>
-    Screen* made(Screen* screen, const QString& key) {
-        screen->setAttribute(Qt::WA_DeleteOnClose);
-        windowplace::remember(screen, m_store, key);
-        return screen;
-    }
-
-    static void bringForward(QWidget* window) {
-        window->show();
-        window->raise();
-        window->activateWindow();
-    }
-
-    Database& m_db;
-    AppSettings& m_settings;
-    SettingsStore& m_store;
-    const SqlLog& m_log;
-    Prompter& m_prompter;
-    QWidget* m_parent;
     QPointer<frmManageCodes> m_list;
     QPointer<frmAppSetup> m_slotTypes;
     QPointer<frmAppTimeSlots> m_templates;

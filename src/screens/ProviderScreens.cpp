@@ -3,8 +3,8 @@
 #include "foundation/ActionRegistry.h"
 #include "patients/HealthNumbers.h"
 #include "patients/ProviderRegister.h"
+#include "screens/ScreenOpener.h"
 #include "screens/SlotGuard.h"
-#include "screens/WindowPlace.h"
 #include "screens/frmDoctors.h"
 #include "screens/frmDoctorsOther.h"
 
@@ -20,37 +20,26 @@ namespace {
 constexpr int kActionProviders = 11;
 
 // Opens each provider screen once and brings it forward when it is asked for again.
-class ProviderScreenOpener : public QObject {
+class ProviderScreenOpener : public ScreenOpener {
 public:
-    ProviderScreenOpener(Database& db, AppSettings& settings, SettingsStore& store,
-                         const SqlLog& log, Prompter& prompter, QWidget* parent)
-        : QObject(parent),
-          m_db(db),
-          m_settings(settings),
-          m_store(store),
-          m_log(log),
-          m_prompter(prompter),
-          m_parent(parent) {}
+    using ScreenOpener::ScreenOpener;
 
     frmDoctors* doctors() {
-        if (!m_doctors) {
-            m_doctors = new frmDoctors(m_db, m_settings, m_log, m_prompter, m_parent);
-            m_doctors->setAttribute(Qt::WA_DeleteOnClose);
-            windowplace::remember(m_doctors, m_store, QStringLiteral("frmDoctors"));
-            connect(m_doctors, &frmDoctors::referringDoctorsRequested, this,
-                    guarded(this, [this] { bringForward(referringDoctors()); }));
-        }
-        bringForward(m_doctors);
-        return m_doctors;
+        return bringForward(
+            m_doctors,
+            [this] {
+                auto* screen = new frmDoctors(m_db, m_settings, m_log, m_prompter, m_parent);
+                connect(screen, &frmDoctors::referringDoctorsRequested, this,
+                        guarded(this, [this] { referringDoctors(); }));
+                return screen;
+            },
+            QStringLiteral("frmDoctors"));
     }
 
     frmDoctorsOther* referringDoctors() {
-        if (!m_others) {
-            m_others = new frmDoctorsOther(m_db, m_settings, m_log, m_prompter, m_parent);
-            m_others->setAttribute(Qt::WA_DeleteOnClose);
-        }
-        bringForward(m_others);
-        return m_others;
+        return bringForward(m_others, [this] {
+            return new frmDoctorsOther(m_db, m_settings, m_log, m_prompter, m_parent);
+        });
     }
 
     // The receiver's questions are answered from the database, whatever is on screen.
@@ -59,18 +48,6 @@ public:
     }
 
 private:
-    static void bringForward(QWidget* window) {
-        window->show();
-        window->raise();
-        window->activateWindow();
-    }
-
-    Database& m_db;
-    AppSettings& m_settings;
-    SettingsStore& m_store;
-    const SqlLog& m_log;
-    Prompter& m_prompter;
-    QWidget* m_parent;
     QPointer<frmDoctors> m_doctors;
     QPointer<frmDoctorsOther> m_others;
 };
