@@ -3,6 +3,7 @@
 // types. Prints one doctor's day with its template, six doctors' days side by side, and a
 // booking with its overlap check: time and statements per operation, then the plan of every
 // statement they ran and whether it finds its rows through an index.
+#include "BenchOffice.h"
 #include "appointments/AppointmentBook.h"
 #include "appointments/AppointmentTime.h"
 #include "foundation/Database.h"
@@ -166,48 +167,20 @@ QDate dayOf(int run) {
     return day;
 }
 
-bool explain(Database& db, const QString& sql, QTextStream& out) {
-    // Straight through the engine, so the statement keeps its placeholders as it ran: the
-    // plan does not depend on the values, which stay NULL.
-    sqlite3_stmt* statement = nullptr;
-    const QByteArray text = QByteArrayLiteral("Explain Query Plan ") + sql.toUtf8();
-    sqlite3_prepare_v2(static_cast<sqlite3*>(db.nativeHandle()), text.constData(), -1, &statement,
-                       nullptr);
-    QStringList steps;
-    bool indexed = statement != nullptr;
-    while (statement != nullptr && sqlite3_step(statement) == SQLITE_ROW) {
-        const QString detail =
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 3)));
-        steps << detail;
-        // The slot types are read whole by design: a few dozen rows at most.
-        indexed = indexed && (!detail.startsWith(QLatin1String("SCAN ")) ||
-                              detail.contains(QLatin1String("apptimeslots")));
-    }
-    sqlite3_finalize(statement);
-    out << (indexed ? "uses an index" : "DOES NOT USE AN INDEX") << ": " << sql << "\n    "
-        << steps.join(QStringLiteral("\n    ")) << "\n";
-    return indexed;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    QTemporaryDir dir;
-    const QString folder = dir.path() + QLatin1Char('/');
-    auto db = Database::createSqlite(folder + QStringLiteral("medical.mdb"));
-    schema::create(*db);
-    db->exec(QStringLiteral("PRAGMA cache_size=-262144"));
-    QElapsedTimer timer;
-    timer.start();
-    fill(*db);
+    bench::Office office;
+    const QString folder = office.folder();
+    Database* db = office.db.get();
+    const qint64 built = office.fill([](Database& d) { fill(d); });
     out << "office: " << db->scalar(QStringLiteral("Select Count(*) From appointments")).toInt()
         << " appointments of " << kDoctors << " doctors over " << kYears << " years, "
         << db->scalar(QStringLiteral("Select Count(*) From apptemplates")).toInt()
-        << " template slots, built in " << timer.elapsed() << " ms\n";
+        << " template slots, built in " << built << " ms\n";
     out.flush();
-    db->exec(QStringLiteral("PRAGMA cache_size=-2000"));
     db->exec(QStringLiteral("Analyze"));
 
     // The patients the bookings name.
@@ -262,7 +235,8 @@ int main(int argc, char** argv) {
     for (const QString& sql : sorted) {
         if (sql.startsWith(QLatin1String("Select"), Qt::CaseInsensitive) ||
             sql.startsWith(QLatin1String("Update"), Qt::CaseInsensitive)) {
-            all = explain(*db, sql, out) && all;
+            // The slot types are read whole by design: a few dozen rows at most.
+            all = bench::explain(*db, {}, sql, out, {QStringLiteral("apptimeslots")}) && all;
         } else {
             out << "(no plan) " << sql << "\n";
         }

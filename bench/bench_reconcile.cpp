@@ -3,6 +3,7 @@
 // split), with split partners looked up. Prints the time and statements per item, the same
 // for reading the file a second time, and the plan of every matching statement with whether
 // it uses an index.
+#include "BenchOffice.h"
 #include "claims/ClaimRecord.h"
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
@@ -169,41 +170,19 @@ void timeReading(Database& db, const SqlLog& log, const QStringList& lines, cons
         << c.alreadyRead << " read before)\n";
 }
 
-// True when every table the plan reads is searched through an index, never scanned.
-bool explain(Database& db, const char* name, const remittance::query::Statement& s,
-             QTextStream& out) {
-    QSqlQuery q = db.exec(QStringLiteral("Explain Query Plan ") + s.sql, s.values);
-    QStringList steps;
-    bool indexed = true;
-    while (q.next()) {
-        const QString detail = q.value(3).toString();
-        steps << detail;
-        indexed = indexed && !detail.startsWith(QLatin1String("SCAN "));
-    }
-    out << name << ": " << (indexed ? "uses an index" : "DOES NOT USE AN INDEX") << "\n    "
-        << s.sql << "\n    " << steps.join(QStringLiteral("\n    ")) << "\n";
-    return indexed;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    QTemporaryDir dir;
-    const QString folder = dir.path() + QLatin1Char('/');
-    auto db = Database::createSqlite(folder + QStringLiteral("medical.mdb"));
-    schema::create(*db);
-    // Room for the indexes while a million rows go in; the office's own setting returns after.
-    db->exec(QStringLiteral("PRAGMA cache_size=-262144"));
-    QElapsedTimer timer;
-    timer.start();
-    fill(*db);
+    bench::Office office;
+    const QString folder = office.folder();
+    Database* db = office.db.get();
+    const qint64 built = office.fill([](Database& d) { fill(d); });
     out << "office: " << db->scalar(QStringLiteral("Select Count(*) From claims")).toInt()
         << " claims, " << db->scalar(QStringLiteral("Select Count(*) From items")).toInt()
-        << " items, built in " << timer.elapsed() << " ms\n";
+        << " items, built in " << built << " ms\n";
     out.flush();
-    db->exec(QStringLiteral("PRAGMA cache_size=-2000"));
 
     const SqlLog log{OfficePaths(folder), true};
     const QStringList lines = remittanceLines();
@@ -216,17 +195,16 @@ int main(int argc, char** argv) {
     const char* names[] = {"item query 1 (date, fee, open, code)",
                            "item query 2 (date, open, code)", "item query 3 (date, fee, open)",
                            "item query 4 (date, fee, code)"};
-    bool all =
-        explain(*db, "claims of an account", remittance::query::claimsOfAccount(account(n)), out);
+    const auto explain = [&](const char* name, const remittance::query::Statement& s) {
+        return bench::explain(*db, QString::fromLatin1(name), s.sql, out);
+    };
+    bool all = explain("claims of an account", remittance::query::claimsOfAccount(account(n)));
     for (int which = 0; which < remittance::query::kItemQueries; ++which) {
-        all = explain(*db, names[which],
+        all = explain(names[which],
                       remittance::query::item(which, both, dayOf(n), Money::fromCents(3370),
-                                              QStringLiteral("A007A")),
-                      out) &&
+                                              QStringLiteral("A007A"))) &&
               all;
     }
-    all = explain(*db, "split partners", remittance::query::partners({kFirstSplitClaimId + n}),
-                  out) &&
-          all;
+    all = explain("split partners", remittance::query::partners({kFirstSplitClaimId + n})) && all;
     return all ? 0 : 1;
 }
