@@ -4,6 +4,7 @@
 #include "foundation/ActionRegistry.h"
 #include "foundation/AppSettings.h"
 #include "foundation/Money.h"
+#include "screens/AppSetupScreens.h"
 #include "screens/CodeEditors.h"
 #include "screens/SlotGuard.h"
 #include "screens/ThirdPartyScreens.h"
@@ -24,6 +25,7 @@ constexpr int kActionManageCodes = 12;
 // The list's last entry, after the code tables: the payers of third party claims, whose
 // window is the registry's.
 const QString kThirdPartyTitle = QStringLiteral("Third Party Payers");
+const QString kAppointmentSetupTitle = QStringLiteral("Appointment Setup");
 
 // Opens the list and each editor once, and brings them forward when asked again.
 class CodeScreenOpener : public QObject {
@@ -70,7 +72,9 @@ public:
             for (const Editor& e : std::as_const(m_editors)) {
                 titles << e.title;
             }
-            titles << kThirdPartyTitle;
+            // The payers and the book's slot types and templates are lists the office keeps
+            // too; their screens live elsewhere and are reached from here.
+            titles << kThirdPartyTitle << kAppointmentSetupTitle;
             m_list = new frmManageCodes(titles, m_parent);
             m_list->setAttribute(Qt::WA_DeleteOnClose);
             connect(m_list, &frmManageCodes::chosen, this,
@@ -82,6 +86,10 @@ public:
     void showEditor(int index) {
         if (index == m_editors.size()) {
             m_registry.runAction(kActionThirdParty);
+            return;
+        }
+        if (index == m_editors.size() + 1) {
+            m_registry.runAction(kActionAppointmentSetup);
             return;
         }
         Editor& editor = m_editors[index];
