@@ -5,6 +5,7 @@
 #include "foundation/UnsavedChanges.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/OpenListEscape.h"
+#include "screens/RecordButtons.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -80,35 +81,17 @@ frmAppSetup::frmAppSetup(Database& db, Prompter& prompter, const SqlLog& log, QW
     connect(m_kind, &QComboBox::activated, this, guarded(this, &frmAppSetup::kindChosen));
     fields->setMinimumWidth(340);
 
-    auto* add = new QPushButton(QStringLiteral("&New"), this);
-    auto* saveButton = new QPushButton(QStringLiteral("&Save"), this);
-    auto* remove = new QPushButton(QStringLiteral("&Delete"), this);
-    auto* close = new QPushButton(QStringLiteral("Close"), this);
-    saveButton->setToolTip(QStringLiteral("Ctrl+S"));
-    remove->setToolTip(QStringLiteral("Deletes the type with its appointments and templates"));
-    close->setToolTip(QStringLiteral("Esc"));
-    for (QPushButton* b : {add, saveButton, remove, close}) {
-        b->setAutoDefault(false);
-    }
-    connect(add, &QPushButton::clicked, this, guarded(this, &frmAppSetup::newType));
-    connect(saveButton, &QPushButton::clicked, this, guarded(this, &frmAppSetup::save));
-    connect(remove, &QPushButton::clicked, this, guarded(this, &frmAppSetup::deleteType));
-    connect(close, &QPushButton::clicked, this, guarded(this, &frmAppSetup::reject));
-    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            guarded(this, &frmAppSetup::save));
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {add, saveButton, remove}) {
-        buttons->addWidget(b);
-    }
-    buttons->addStretch();
-    buttons->addWidget(close);
+    const RecordButtons buttons =
+        recordButtons(this, &frmAppSetup::newType, &frmAppSetup::save, &frmAppSetup::deleteType,
+                      &frmAppSetup::reject,
+                      QStringLiteral("Deletes the type with its appointments and templates"));
 
     auto* body = new QHBoxLayout;
     body->addWidget(m_list, 1);
     body->addWidget(fields);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     refreshList();
     if (m_list->topLevelItemCount() > 0) {

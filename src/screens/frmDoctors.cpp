@@ -6,6 +6,7 @@
 #include "patients/ProviderCodeLists.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/ProviderScreens.h"
+#include "screens/RecordButtons.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -50,25 +51,15 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
 
     QWidget* fields = fieldsPanel();
 
-    auto* add = new QPushButton(QStringLiteral("&New"), this);
-    auto* save = new QPushButton(QStringLiteral("&Save"), this);
-    m_delete = new QPushButton(QStringLiteral("&Delete"), this);
+    RecordButtons buttons = recordButtons(this, &frmDoctors::newClicked, &frmDoctors::saveClicked,
+                                          &frmDoctors::deleteClicked, &frmDoctors::reject);
+    m_delete = buttons.remove;
     auto* referring = new QPushButton(QStringLiteral("&Referring Doctors..."), this);
-    auto* close = new QPushButton(QStringLiteral("Close"), this);
-    connect(add, &QPushButton::clicked, this, guarded(this, &frmDoctors::newClicked));
-    connect(save, &QPushButton::clicked, this, guarded(this, &frmDoctors::saveClicked));
-    connect(m_delete, &QPushButton::clicked, this, guarded(this, &frmDoctors::deleteClicked));
+    referring->setAutoDefault(false);
     connect(referring, &QPushButton::clicked, this,
             guarded(this, &frmDoctors::referringDoctorsRequested));
-    connect(close, &QPushButton::clicked, this, guarded(this, &frmDoctors::reject));
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(add);
-    buttons->addWidget(save);
-    buttons->addWidget(m_delete);
-    buttons->addStretch();
-    buttons->addWidget(referring);
-    buttons->addWidget(close);
+    buttons.addBeforeClose(referring);
+    setTabOrder(referring, buttons.close);
 
     // On a small screen the fields scroll; the list and the buttons stay in sight.
     auto* scroll = new QScrollArea(this);
@@ -83,7 +74,7 @@ frmDoctors::frmDoctors(Database& db, AppSettings& settings, const SqlLog& log, P
     body->addWidget(scroll);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     reloadList();
     showFirst();

@@ -8,6 +8,7 @@
 #include "screens/EnterMovesOn.h"
 #include "screens/FieldCase.h"
 #include "screens/ProviderScreens.h"
+#include "screens/RecordButtons.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -69,27 +70,16 @@ frmDoctorsOther::frmDoctorsOther(Database& db, const AppSettings& settings, cons
 
     QWidget* fields = fieldsPanel();
 
-    auto* add = new QPushButton(QStringLiteral("&New"), this);
-    auto* save = new QPushButton(QStringLiteral("&Save"), this);
-    auto* remove = new QPushButton(QStringLiteral("&Delete"), this);
-    auto* close = new QPushButton(QStringLiteral("Close"), this);
-    connect(add, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::newClicked));
-    connect(save, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::saveClicked));
-    connect(remove, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::deleteClicked));
-    connect(close, &QPushButton::clicked, this, guarded(this, &frmDoctorsOther::reject));
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(add);
-    buttons->addWidget(save);
-    buttons->addWidget(remove);
-    buttons->addStretch();
-    buttons->addWidget(close);
+    const RecordButtons buttons =
+        recordButtons(this, &frmDoctorsOther::newClicked, &frmDoctorsOther::saveClicked,
+                      &frmDoctorsOther::deleteClicked, &frmDoctorsOther::reject);
 
     auto* body = new QHBoxLayout;
     body->addLayout(left, 1);
     body->addWidget(fields);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     search();
     showOnFields(ReferringDoctor{}, QString());

@@ -5,6 +5,7 @@
 #include "foundation/UnsavedChanges.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/FieldCase.h"
+#include "screens/RecordButtons.h"
 #include "screens/RecordList.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -84,35 +85,17 @@ frmThirdParty::frmThirdParty(Database& db, Prompter& prompter, const SqlLog& log
 
     QWidget* fields = fieldsPanel();
 
-    auto* add = new QPushButton(QStringLiteral("&New"), this);
-    auto* save = new QPushButton(QStringLiteral("&Save"), this);
-    auto* remove = new QPushButton(QStringLiteral("&Delete"), this);
-    auto* close = new QPushButton(QStringLiteral("Close"), this);
-    save->setToolTip(QStringLiteral("Ctrl+S"));
-    remove->setToolTip(QStringLiteral("Deletes the payer with all its claims"));
-    close->setToolTip(QStringLiteral("Esc"));
-    for (QPushButton* button : {add, save, remove, close}) {
-        button->setAutoDefault(false);
-    }
-    connect(add, &QPushButton::clicked, this, guarded(this, &frmThirdParty::newClicked));
-    connect(save, &QPushButton::clicked, this, guarded(this, &frmThirdParty::saveClicked));
-    connect(remove, &QPushButton::clicked, this, guarded(this, &frmThirdParty::deleteClicked));
-    connect(close, &QPushButton::clicked, this, guarded(this, &frmThirdParty::reject));
-    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
-            guarded(this, &frmThirdParty::saveClicked));
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(add);
-    buttons->addWidget(save);
-    buttons->addWidget(remove);
-    buttons->addStretch();
-    buttons->addWidget(close);
+    const RecordButtons buttons =
+        recordButtons(this, &frmThirdParty::newClicked, &frmThirdParty::saveClicked,
+                      &frmThirdParty::deleteClicked, &frmThirdParty::reject,
+                      QStringLiteral("Deletes the payer with all its claims"));
 
     auto* body = new QHBoxLayout;
     body->addWidget(m_list, 1);
     body->addWidget(fields);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     refreshList();
     showOnFields(ThirdParty{});
