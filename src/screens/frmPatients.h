@@ -49,6 +49,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    enum FindBy { ByName, ByHealthNumber, ByPhone, ById };
+
     struct Binding {
         QString PatientEntry::*member;
         QLineEdit* edit;
