@@ -22,13 +22,13 @@ int extensionOf(const QString& name) {
     return name.right(3).toInt();
 }
 
+}  // namespace
+
 bool nameInBatches(Database& db, const QString& name) {
     return db.scalar(QStringLiteral("Select Count(*) From batches Where Upper(FileName)=?"),
                      {name.toUpper()}, QStringLiteral("reading the claim files made"))
                .toInt() > 0;
 }
-
-}  // namespace
 
 bool isClaimFileName(const QString& name) {
     static const QRegularExpression pattern(QStringLiteral("^H[A-L][A-Za-z0-9]+\\.[0-9]{3}$"));

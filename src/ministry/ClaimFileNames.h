@@ -15,6 +15,9 @@ namespace claimfilenames {
 // "H", a month letter "A" to "L", a provider or group number, ".", three digits.
 bool isClaimFileName(const QString& name);
 
+// Whether a batch was recorded under this file name, in any case.
+bool nameInBatches(Database& db, const QString& name);
+
 struct Taken {
     QString fileName;
     int counter = 0;  // the "DiskIDCounter" it took

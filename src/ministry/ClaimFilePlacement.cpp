@@ -104,11 +104,7 @@ QStringList setAsideOrphans(Database& db, SettingsStore& store, const QString& f
             store.get(kBatchSection, name) != QLatin1String("1")) {
             continue;
         }
-        const int batches =
-            db.scalar(QStringLiteral("Select Count(*) From batches Where Upper(FileName)=?"),
-                      {name.toUpper()}, QStringLiteral("looking for unrecorded claim files"))
-                .toInt();
-        if (batches > 0) {
+        if (claimfilenames::nameInBatches(db, name)) {
             continue;
         }
         const QString aside = folder + setAsideFolder() + QLatin1Char('/');
