@@ -7,6 +7,8 @@ cd "$(dirname "$0")/.."
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
           libqt6sql6-psql qt6-serialport-dev libsqlite3-dev libssl-dev fonts-dejavu-core)
+# The tests run every database test on a throwaway PostgreSQL server too.
+if [ "${1:-run}" = test ]; then packages+=(postgresql); fi
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,13 +1,16 @@
 #include "foundation/Database.h"
 
 #include "foundation/KillPoints.h"
+#include "foundation/ServerAddress.h"
 
 #include <QAtomicInt>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlField>
 #include <QtGlobal>
+#include <algorithm>
 
 #include <sqlite3.h>
 
@@ -17,16 +20,11 @@ namespace {
 
 QAtomicInt g_connectionCounter;
 
-// SQLite's "busy" and "locked" families, extended codes included.
-bool isBusy(const QSqlError& e) {
-    bool ok = false;
-    const int code = e.nativeErrorCode().toInt(&ok) & 0xff;
-    return ok && (code == SQLITE_BUSY || code == SQLITE_LOCKED);
-}
-
-DbError errorOf(const QString& doing, const QString& statement, const QSqlError& e) {
+DbError errorOf(const Dialect& dialect, const QString& doing, const QString& statement,
+                const QSqlError& e) {
     QString text = e.databaseText().isEmpty() ? e.text() : e.databaseText();
-    if (isBusy(e)) {
+    text = text.trimmed();
+    if (dialect.isBusy(e.nativeErrorCode())) {
         // The engine already waited its time-out; what the user needs is what happened to
         // their work and what to do.
         text = QStringLiteral(
@@ -78,24 +76,38 @@ QString OpenFailure::title() const {
 
 QStringList OpenFailure::lines() const {
     switch (kind) {
-        case Kind::NotFound:
-            return {QStringLiteral("Brimsett could not find your database at this location:"),
-                    location,
-                    QString(),
-                    QStringLiteral("Possible causes:"),
-                    QStringLiteral("* If you are on a network the server computer "),
-                    QStringLiteral("may be turned off."),
-                    QStringLiteral("* You may have entered an invalid path on the "),
-                    QStringLiteral("Options Screen."),
-                    QStringLiteral("* Your database may be damaged or was deleted."),
-                    QString(),
-                    QStringLiteral("Please contact Technical Support for assistance.")};
-        case Kind::PermissionDenied:
-            return {QStringLiteral("Brimsett could not open the database at this location:"),
-                    location, QStringLiteral("Reason: Permission was denied."),
-                    QStringLiteral("The database file may be read-only,"),
-                    QStringLiteral("or you are using a limited account and do not have full "
-                                   "access to the folder.")};
+        case Kind::NotFound: {
+            QStringList lines{
+                QStringLiteral("Brimsett could not find your database at this location:"),
+                location,
+                QString(),
+                QStringLiteral("Possible causes:"),
+                QStringLiteral("* If you are on a network the server computer "),
+                QStringLiteral("may be turned off."),
+                QStringLiteral("* You may have entered an invalid path on the "),
+                QStringLiteral("Options Screen."),
+                QStringLiteral("* Your database may be damaged or was deleted."),
+                QString(),
+                QStringLiteral("Please contact Technical Support for assistance.")};
+            // A server that could not be reached says why, in the network's words.
+            if (!engineText.isEmpty()) {
+                lines.insert(2, QStringLiteral("Cause: ") + engineText);
+            }
+            return lines;
+        }
+        case Kind::PermissionDenied: {
+            QStringList lines{
+                QStringLiteral("Brimsett could not open the database at this location:"), location,
+                QStringLiteral("Reason: Permission was denied."),
+                QStringLiteral("The database file may be read-only,"),
+                QStringLiteral("or you are using a limited account and do not have full "
+                               "access to the folder.")};
+            // The server's own words name the user or rule that refused the login.
+            if (!engineText.isEmpty()) {
+                lines << engineText;
+            }
+            return lines;
+        }
         case Kind::OldFormat:
             return {QStringLiteral("Could not open the database."),
                     QStringLiteral("Location: ") + location,
@@ -103,6 +115,11 @@ QStringList OpenFailure::lines() const {
                                    "(Access/Jet format)."),
                     QStringLiteral("It must be converted before Brimsett can use it; the file "
                                    "was left as it is.")};
+        case Kind::BadAddress:
+            return {QStringLiteral("Brimsett cannot use this database location:"), location,
+                    engineText, QString(),
+                    QStringLiteral("Please correct the main database path on the Options "
+                                   "Screen.")};
         case Kind::Refused:
             break;
     }
@@ -190,26 +207,184 @@ std::unique_ptr<Database> Database::createSqlite(const QString& file) {
     return std::move(std::get<std::unique_ptr<Database>>(result));
 }
 
+// libpq's words for a login the server turned away, as against a server not reached.
+bool isRefusedLogin(const QString& text) {
+    static const QStringList marks = {QStringLiteral("authentication failed"),
+                                      QStringLiteral("no password supplied"),
+                                      QStringLiteral("permission denied"),
+                                      QStringLiteral("pg_hba.conf"),
+                                      QStringLiteral("role \""),
+                                      QStringLiteral("password is required")};
+    return std::any_of(marks.begin(), marks.end(),
+                       [&](const QString& m) { return text.contains(m, Qt::CaseInsensitive); });
+}
+
+Database::OpenResult Database::openServer(const QString& location) {
+    QString problem;
+    const auto address = ServerAddress::parse(location, &problem);
+    if (!address) {
+        return OpenFailure{OpenFailure::Kind::BadAddress, location, {}, problem};
+    }
+    auto dialect = std::make_unique<PostgresDialect>();
+    const QString name =
+        QStringLiteral("brimsett-%1").arg(g_connectionCounter.fetchAndAddRelaxed(1));
+    QSqlDatabase db = QSqlDatabase::addDatabase(dialect->driver(), name);
+    if (!db.isValid()) {
+        QSqlDatabase::removeDatabase(name);
+        return OpenFailure{OpenFailure::Kind::Refused,
+                           location,
+                           {},
+                           QStringLiteral("the PostgreSQL driver of Qt (libqt6sql6-psql) is not "
+                                          "installed")};
+    }
+    db.setHostName(address->host);
+    if (address->port > 0) {
+        db.setPort(address->port);
+    }
+    db.setUserName(address->user);
+    db.setDatabaseName(address->database);
+    QStringList options = address->options;
+    if (!std::any_of(options.begin(), options.end(), [](const QString& o) {
+            return o.startsWith(QStringLiteral("connect_timeout="));
+        })) {
+        options << QStringLiteral("connect_timeout=10");
+    }
+    db.setConnectOptions(options.join(QLatin1Char(';')));
+    if (!db.open()) {
+        const QSqlError e = db.lastError();
+        const QString text = (e.databaseText().isEmpty() ? e.text() : e.databaseText()).trimmed();
+        db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(name);
+        const bool login = isRefusedLogin(text);
+        return OpenFailure{
+            login ? OpenFailure::Kind::PermissionDenied : OpenFailure::Kind::NotFound, location,
+            e.nativeErrorCode(), text};
+    }
+    dialect->prepareConnection(db);
+    return std::unique_ptr<Database>(new Database(std::move(dialect), db, location));
+}
+
+Database::OpenResult Database::open(const QString& location) {
+    return ServerAddress::names(location) ? openServer(location) : openSqlite(location);
+}
+
+bool Database::onServer() const {
+    return m_dialect->driver() == QLatin1String("QPSQL");
+}
+
+namespace {
+
+// What the drivers take as NULL: no value, and the null string, date or time.
+bool isNullValue(const QVariant& v) {
+    if (!v.isValid() || v.isNull()) {
+        return true;
+    }
+    switch (v.typeId()) {
+        case QMetaType::QString:
+            return v.toString().isNull();
+        case QMetaType::QByteArray:
+            return v.toByteArray().isNull();
+        case QMetaType::QDate:
+            return !v.toDate().isValid();
+        case QMetaType::QDateTime:
+            return !v.toDateTime().isValid();
+        case QMetaType::QTime:
+            return !v.toTime().isValid();
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+QString Database::withValues(const QString& statement, const QVariantList& values) const {
+    QString out;
+    out.reserve(statement.size() + values.size() * 8);
+    qsizetype next = 0;
+    for (qsizetype i = 0; i < statement.size(); ++i) {
+        const QChar c = statement.at(i);
+        if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
+            const qsizetype end = statement.indexOf(c, i + 1);
+            const qsizetype stop = end < 0 ? statement.size() - 1 : end;
+            out += statement.mid(i, stop - i + 1);
+            i = stop;
+            continue;
+        }
+        if (c != QLatin1Char('?')) {
+            out += c;
+            continue;
+        }
+        if (next >= values.size()) {
+            throw DbError({}, statement, QStringLiteral("more places for values than values"));
+        }
+        const QVariant& v = values.at(next++);
+        if (isNullValue(v)) {
+            out += QStringLiteral("NULL");
+            continue;
+        }
+        switch (v.typeId()) {
+            case QMetaType::Bool:
+                out += v.toBool() ? QLatin1Char('1') : QLatin1Char('0');
+                break;
+            case QMetaType::Int:
+            case QMetaType::UInt:
+            case QMetaType::Long:
+            case QMetaType::LongLong:
+            case QMetaType::Short:
+            case QMetaType::ULongLong:
+                out += v.toString();
+                break;
+            case QMetaType::Double:
+            case QMetaType::Float:
+                out += QString::number(v.toDouble(), 'g', 17);
+                break;
+            case QMetaType::QDate:
+                out += QLatin1Char('\'') + v.toDate().toString(Qt::ISODate) + QLatin1Char('\'');
+                break;
+            case QMetaType::QDateTime:
+                out += QLatin1Char('\'') +
+                       v.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) +
+                       QLatin1Char('\'');
+                break;
+            case QMetaType::QTime:
+                out += QLatin1Char('\'') + v.toTime().toString(QStringLiteral("HH:mm:ss")) +
+                       QLatin1Char('\'');
+                break;
+            default: {
+                QSqlField field(QString(), v.metaType());
+                field.setValue(v);
+                out += m_db.driver()->formatValue(field);
+            }
+        }
+    }
+    if (next != values.size()) {
+        throw DbError({}, statement, QStringLiteral("more values than places for them"));
+    }
+    return out;
+}
+
 QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
                          const QString& doing) {
     ++m_statements;
     killpoints::statement();
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
-    if (values.isEmpty()) {
-        if (!q.exec(statement)) {
-            throw errorOf(doing, statement, q.lastError());
+    const bool inlineValues = onServer();
+    if (values.isEmpty() || inlineValues) {
+        QString text = inlineValues ? withValues(statement, values) : statement;
+        if (!q.exec(m_dialect->statement(text))) {
+            throw errorOf(*m_dialect, doing, statement, q.lastError());
         }
         return q;
     }
     if (!q.prepare(statement)) {
-        throw errorOf(doing, statement, q.lastError());
+        throw errorOf(*m_dialect, doing, statement, q.lastError());
     }
     for (const QVariant& v : values) {
         q.addBindValue(v);
     }
     if (!q.exec()) {
-        throw errorOf(doing, statement, q.lastError());
+        throw errorOf(*m_dialect, doing, statement, q.lastError());
     }
     return q;
 }
@@ -254,7 +429,16 @@ Transaction::Transaction(Database& db, const QString& doing) : m_db(db) {
     m_level = ++m_db.m_depth;
     try {
         if (m_level == 1) {
-            m_db.exec(m_db.dialect().beginTransaction(), {}, doing);
+            const QStringList begin = m_db.dialect().beginTransaction();
+            m_db.exec(begin.first(), {}, doing);
+            try {
+                for (qsizetype i = 1; i < begin.size(); ++i) {
+                    m_db.exec(begin.at(i), {}, doing);
+                }
+            } catch (...) {
+                QSqlQuery(m_db.m_db).exec(QStringLiteral("ROLLBACK"));
+                throw;
+            }
         } else {
             m_db.exec(m_db.dialect().savepoint(QStringLiteral("sp%1").arg(m_level)), {}, doing);
         }

@@ -15,7 +15,7 @@ namespace brimsett {
 
 // Why the database could not be opened, and the message the user is shown for it.
 struct OpenFailure {
-    enum class Kind { NotFound, PermissionDenied, OldFormat, Refused };
+    enum class Kind { NotFound, PermissionDenied, OldFormat, Refused, BadAddress };
     Kind kind = Kind::Refused;
     QString location;
     QString engineCode;
@@ -38,7 +38,13 @@ public:
     static OpenResult openSqlite(const QString& file);
     // Creates (or opens) an SQLite file; for new databases and tests.
     static std::unique_ptr<Database> createSqlite(const QString& file);
+    // Connects to a database on a PostgreSQL server (see ServerAddress).
+    static OpenResult openServer(const QString& address);
+    // The server's database or the file, as the location names one.
+    static OpenResult open(const QString& location);
 
+    // Whether the database is shared through a server rather than a file of this computer.
+    bool onServer() const;
     const Dialect& dialect() const { return *m_dialect; }
     QSqlDatabase& connection() { return m_db; }
     QString location() const { return m_location; }
@@ -52,7 +58,7 @@ public:
     bool hasTable(const QString& table) const;
     bool hasColumn(const QString& table, const QString& column) const;
 
-    // The engine's own handle (sqlite3*), for the backup API and custom functions.
+    // The engine's own handle (sqlite3* or PGconn*), for the backup API and custom functions.
     void* nativeHandle() const;
     void close();
 
@@ -66,6 +72,9 @@ public:
 private:
     friend class Transaction;
     Database(std::unique_ptr<Dialect> dialect, QSqlDatabase db, QString location);
+    // The statement with its values written in as the driver quotes them: one round trip
+    // to a server instead of a prepare, an execute and a release.
+    QString withValues(const QString& statement, const QVariantList& values) const;
 
     std::unique_ptr<Dialect> m_dialect;
     QSqlDatabase m_db;

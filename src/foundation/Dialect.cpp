@@ -4,6 +4,8 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <sqlite3.h>
+
 namespace brimsett {
 
 QStringList Dialect::tableNames(const QSqlDatabase& db) const {
@@ -49,6 +51,13 @@ QStringList SqliteDialect::columnNames(const QSqlDatabase& db, const QString& ta
         }
     }
     return names;
+}
+
+// The "busy" and "locked" families, extended codes included.
+bool SqliteDialect::isBusy(const QString& nativeCode) const {
+    bool ok = false;
+    const int code = nativeCode.toInt(&ok) & 0xff;
+    return ok && (code == SQLITE_BUSY || code == SQLITE_LOCKED);
 }
 
 void SqliteDialect::prepareConnection(QSqlDatabase& db) const {

@@ -24,8 +24,14 @@ public:
     virtual QStringList tableNames(const QSqlDatabase& db) const;
     virtual QStringList columnNames(const QSqlDatabase& db, const QString& table) const;
 
-    // Statements of a write transaction and of a nested one.
-    virtual QString beginTransaction() const { return QStringLiteral("BEGIN"); }
+    // The program's statement in the engine's words. Statements are written once, with
+    // "[name]" for a name holding a space and LIKE meaning case-insensitive.
+    virtual QString statement(const QString& text) const { return text; }
+
+    // Statements that begin a write transaction, and those of a nested one. Every engine
+    // gives writers their turn one at a time, so a number read inside the transaction
+    // (the highest id plus one) is still free when the row is added.
+    virtual QStringList beginTransaction() const { return {QStringLiteral("BEGIN")}; }
     virtual QString savepoint(const QString& name) const {
         return QStringLiteral("SAVEPOINT ") + name;
     }
@@ -42,6 +48,9 @@ public:
 
     // Set-up right after the connection opens (journal mode, time-outs, functions).
     virtual void prepareConnection(QSqlDatabase& db) const = 0;
+
+    // Whether the engine's error code says another writer held its lock past the wait.
+    virtual bool isBusy(const QString& nativeCode) const = 0;
 };
 
 class SqliteDialect : public Dialect {
@@ -53,9 +62,31 @@ public:
     QStringList columnNames(const QSqlDatabase& db, const QString& table) const override;
     // IMMEDIATE takes the write lock at once, so two writers wait their turn instead of
     // failing half-way when both try to upgrade a read lock.
-    QString beginTransaction() const override { return QStringLiteral("BEGIN IMMEDIATE"); }
+    QStringList beginTransaction() const override { return {QStringLiteral("BEGIN IMMEDIATE")}; }
     QString caseInsensitiveLike() const override { return QStringLiteral(" LIKE "); }
     void prepareConnection(QSqlDatabase& db) const override;
+    bool isBusy(const QString& nativeCode) const override;
+};
+
+// A server shared by the office's computers. Names are unquoted (folded to lower case)
+// except those holding a space, which keep their case in double quotes.
+class PostgresDialect : public Dialect {
+public:
+    QString name() const override { return QStringLiteral("PostgreSQL"); }
+    QString driver() const override { return QStringLiteral("QPSQL"); }
+    QString ddl(const QString& statement) const override;
+    QString statement(const QString& text) const override;
+    QStringList tableNames(const QSqlDatabase& db) const override;
+    QStringList columnNames(const QSqlDatabase& db, const QString& table) const override;
+    // BEGIN takes no lock there; the office-wide transaction lock gives writers their turn
+    // as SQLite's IMMEDIATE does, so no statement can fail for a concurrent update.
+    QStringList beginTransaction() const override;
+    QString caseInsensitiveLike() const override { return QStringLiteral(" ILIKE "); }
+    void prepareConnection(QSqlDatabase& db) const override;
+    bool isBusy(const QString& nativeCode) const override;
+
+    // The advisory lock key every writer of an office takes.
+    static constexpr qint64 kWriteLock = 0x4272696d73657474;  // "Brimsett"
 };
 
 }  // namespace brimsett

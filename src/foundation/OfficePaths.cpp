@@ -1,6 +1,7 @@
 #include "foundation/OfficePaths.h"
 
 #include "foundation/DateText.h"
+#include "foundation/ServerAddress.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -39,6 +40,9 @@ QString OfficePaths::datedDatabaseName(const QDateTime& moment) {
 OfficePaths::OfficePaths(const QString& folder) : m_folder(withSlash(folder)) {}
 
 QString OfficePaths::databaseFile(const QString& dbPath) const {
+    if (ServerAddress::names(dbPath)) {
+        return dbPath.trimmed();
+    }
     const QString path = QDir::fromNativeSeparators(dbPath.trimmed());
     if (path.isEmpty()) {
         return defaultDatabase();

@@ -3,6 +3,7 @@
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
 #include "foundation/Prompter.h"
+#include "foundation/ServerAddress.h"
 #include "foundation/SettingsStore.h"
 
 #include <QFileInfo>
@@ -151,6 +152,9 @@ bool OptionsEditor::locationAccepted(Field field, const QString& label, const QS
     if (path == loaded) {
         return true;  // the location in use now; nothing new to check
     }
+    if (ServerAddress::names(path)) {
+        return serverAccepted(field, path);
+    }
     const QString file = OfficePaths(m_settings.appPath).databaseFile(path);
     if (QFileInfo::exists(file)) {
         return true;
@@ -161,6 +165,28 @@ bool OptionsEditor::locationAccepted(Field field, const QString& label, const QS
          QString(), QStringLiteral("Brimsett will not find its database there at the next start."),
          QStringLiteral("Save the options anyway?")},
         Icon::Warning);
+    if (!anyway) {
+        m_badField = field;
+    }
+    return anyway;
+}
+
+// A server address is checked by connecting: a text that cannot be read is refused, a server
+// that cannot be reached now may still be saved.
+bool OptionsEditor::serverAccepted(Field field, const QString& address) {
+    auto opened = Database::openServer(address);
+    const auto* failure = std::get_if<OpenFailure>(&opened);
+    if (failure == nullptr) {
+        return true;
+    }
+    if (failure->kind == OpenFailure::Kind::BadAddress) {
+        m_prompter.error(failure->lines());
+        m_badField = field;
+        return false;
+    }
+    QStringList lines = failure->lines();
+    lines << QString() << QStringLiteral("Save the options anyway?");
+    const bool anyway = m_prompter.confirm(kTitle, lines, Icon::Warning);
     if (!anyway) {
         m_badField = field;
     }

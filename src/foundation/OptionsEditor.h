@@ -58,6 +58,7 @@ public:
 
 private:
     bool locationAccepted(Field field, const QString& label, const QString& path);
+    bool serverAccepted(Field field, const QString& address);
     // The typed number put into the settings copy.
     void applyNumbers();
     void writePlacerId(const QString& value);

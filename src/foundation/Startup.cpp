@@ -6,6 +6,7 @@
 #include "foundation/Prompter.h"
 #include "foundation/Schema.h"
 #include "foundation/SchemaUpgrade.h"
+#include "foundation/ServerAddress.h"
 #include "foundation/SettingsStore.h"
 
 #include <QDir>
@@ -123,22 +124,24 @@ void Startup::applyPendingRestore(Result& result) {
 Startup::Result Startup::run() {
     Result result;
     filemodes::ownerOnly();
-    if (!prepareDatabaseFile(result)) {
-        result.outcome = Outcome::SetupFailed;
-        return result;
-    }
     m_access.load();
     result.settings = AppSettings::loadAll(m_store, m_paths.folder());
-    applyPendingRestore(result);
-
     const QString location = m_paths.databaseFile(result.settings.dbPath);
-    // An office made before its files were kept private is made so now.
-    filemodes::makePrivate(m_paths.folder());
-    filemodes::makePrivate(location);
-    for (const QString& suffix : kCompanions) {
-        filemodes::makePrivate(location + suffix);
+    const bool onServer = ServerAddress::names(location);
+    if (!onServer) {
+        if (!prepareDatabaseFile(result)) {
+            result.outcome = Outcome::SetupFailed;
+            return result;
+        }
+        applyPendingRestore(result);
+        // An office made before its files were kept private is made so now.
+        filemodes::makePrivate(m_paths.folder());
+        filemodes::makePrivate(location);
+        for (const QString& suffix : kCompanions) {
+            filemodes::makePrivate(location + suffix);
+        }
     }
-    auto opened = Database::openSqlite(location);
+    auto opened = Database::open(location);
     if (auto* failure = std::get_if<OpenFailure>(&opened)) {
         m_prompter.tell(failure->title(), failure->lines(), Icon::Critical);
         result.openFailure = *failure;
@@ -149,6 +152,13 @@ Startup::Result Startup::run() {
     result.done << QStringLiteral("Opened ") + location;
 
     try {
+        // A new, empty database on the server gets the tables an office starts with; the
+        // creation takes the office's write turn, so two computers starting at once build
+        // them once.
+        if (onServer && !result.db->hasTable(QStringLiteral("Patients"))) {
+            schema::create(*result.db);
+            result.done << QStringLiteral("Created the tables of a new office on the server");
+        }
         if (!upgradeSchema(*result.db)) {
             result.done << QStringLiteral("Updated the database to the current layout");
             m_prompter.tell(

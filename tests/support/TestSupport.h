@@ -17,18 +17,35 @@ namespace brimsett::test {
 class TempOffice {
 public:
     TempOffice();
+    ~TempOffice();
+    TempOffice(const TempOffice&) = delete;
+    TempOffice& operator=(const TempOffice&) = delete;
     QString folder() const;  // ends with "/"
     QString file(const QString& name) const;
     QString settingsFile() const;
     SettingsStore& store() { return *m_store; }
-    // A new SQLite database in the folder (empty, no tables).
+    // A new database with no tables: an SQLite file in the folder, or, when the tests run
+    // on the PostgreSQL test server (BRIMSETT_TEST_PG names its socket folder), a fresh
+    // database there, dropped with the office.
     std::unique_ptr<Database> emptyDatabase(
         const QString& name = QStringLiteral("medical.mdb")) const;
+    // The location emptyDatabase(name) opened, for a test that opens it again.
+    QString databaseLocation(const QString& name = QStringLiteral("medical.mdb")) const;
 
 private:
     QTemporaryDir m_dir;
     std::unique_ptr<SettingsStore> m_store;
+    mutable QStringList m_serverDatabases;
 };
+
+// The PostgreSQL test server's socket folder; empty when the tests run on SQLite.
+QString testServer();
+
+// Makes the engine refuse a row event ("Insert", "Update" or "Delete") on a table with
+// `message`, for rows meeting `condition` (NEW./OLD. columns; empty for every row): a disk
+// that fills in the middle of a save, on either engine.
+void refuseRows(Database& db, const QString& event, const QString& table, const QString& condition,
+                const QString& message);
 
 // Whole file as text; empty when missing.
 QString readText(const QString& path);
