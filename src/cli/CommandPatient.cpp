@@ -65,6 +65,50 @@ int show(CliSession& session, const CliArgs& args) {
     return 0;
 }
 
+// A new patient through the desk's save: the same checks, questions and numbering.
+int add(CliSession& session, const CliArgs& args) {
+    if (!session.open()) {
+        return fail(QStringLiteral("the database is not available"));
+    }
+    PatientEntry entry;
+    entry.lName = args.value(QStringLiteral("last"));
+    entry.fName = args.value(QStringLiteral("first"));
+    entry.healthNum = args.value(QStringLiteral("hn"));
+    entry.versionCode = args.value(QStringLiteral("version"));
+    entry.dob = args.value(QStringLiteral("dob"));
+    entry.sex = args.value(QStringLiteral("sex"));
+    entry.province = args.value(QStringLiteral("province"), QStringLiteral("ON"));
+    entry.hPhone = args.value(QStringLiteral("phone"));
+    entry.patientId = args.value(QStringLiteral("id"));
+    const SqlLog log(session.paths(), session.settings().sqlLogOn());
+    PatientRegister patients(session.db(), session.settings(), session.prompter(), session.clock(),
+                             log);
+    const auto result = patients.saveNew(entry);
+    if (result.outcome != PatientRegister::Outcome::Saved) {
+        return 1;
+    }
+    session.out() << result.savedId << "\n";
+    return 0;
+}
+
+[[maybe_unused]] const bool addRegistered = cli::add({
+    .name = QStringLiteral("patient add"),
+    .summary = QStringLiteral("save a new patient and print the patient's number"),
+    .options = {{QStringLiteral("last"), QStringLiteral("NAME"), QStringLiteral("last name"), true},
+                {QStringLiteral("first"), QStringLiteral("NAME"), QStringLiteral("first name")},
+                {QStringLiteral("hn"), QStringLiteral("N"), QStringLiteral("health number")},
+                {QStringLiteral("version"), QStringLiteral("VC"), QStringLiteral("version code")},
+                {QStringLiteral("dob"), QStringLiteral("YYYY/MM/DD"),
+                 QStringLiteral("date of birth")},
+                {QStringLiteral("sex"), QStringLiteral("M|F"), QStringLiteral("sex")},
+                {QStringLiteral("province"), QStringLiteral("XX"),
+                 QStringLiteral("province of the health number (else ON)")},
+                {QStringLiteral("phone"), QStringLiteral("TEXT"), QStringLiteral("home phone")},
+                {QStringLiteral("id"), QStringLiteral("N"),
+                 QStringLiteral("the patient's number (else the next free one)")}},
+    .run = add,
+});
+
 [[maybe_unused]] const bool registered = cli::add({
     .name = QStringLiteral("patient show"),
     .summary = QStringLiteral("print the patient's fields, one per line"),
