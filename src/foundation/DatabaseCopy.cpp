@@ -424,8 +424,8 @@ std::optional<QVariant> convertForServer(const QVariant& value, const TargetColu
             }
             const QString whole = value.toString();
             if (whole.contains(QChar(0))) {
-                return refuse(problem, quoted + QStringLiteral(" holds a NUL character, which "
-                                                               "the server does not store"));
+                return refuse(problem, QStringLiteral("the text holds a NUL character, which the "
+                                                      "server does not store"));
             }
             const qsizetype length =
                 whole.size() > column.length ? whole.toUcs4().size() : whole.size();
