@@ -40,9 +40,9 @@ int runLine(CliSession& session, const QStringList& words) {
 int script(CliSession& session, const CliArgs& args) {
     QFile file;
     const QString name = args.argument(0);
-    const bool opened = name == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
-                                                   : (file.setFileName(name),
-                                                      file.open(QIODevice::ReadOnly));
+    const bool opened = name == QLatin1String("-")
+                            ? file.open(stdin, QIODevice::ReadOnly)
+                            : (file.setFileName(name), file.open(QIODevice::ReadOnly));
     if (!opened) {
         return fail(QStringLiteral("cannot read %1: %2").arg(name, file.errorString()));
     }

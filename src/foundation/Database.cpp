@@ -369,24 +369,56 @@ QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
     killpoints::statement();
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
+    const auto failed = [&](const QSqlError& e) {
+        DbError error = errorOf(*m_dialect, doing, statement, e);
+        if (connectionLost()) {
+            error = DbError(doing, statement,
+                            QStringLiteral("The connection to the database server was lost (%1). "
+                                           "What was being saved was not saved; please try again.")
+                                .arg(error.engineText()),
+                            error.engineCode());
+            // The next action starts on a new connection; this one's transaction is gone.
+            if (m_depth == 0) {
+                reconnect();
+            }
+        }
+        return error;
+    };
     const bool inlineValues = onServer();
     if (values.isEmpty() || inlineValues) {
         QString text = inlineValues ? withValues(statement, values) : statement;
         if (!q.exec(m_dialect->statement(text))) {
-            throw errorOf(*m_dialect, doing, statement, q.lastError());
+            throw failed(q.lastError());
         }
         return q;
     }
     if (!q.prepare(statement)) {
-        throw errorOf(*m_dialect, doing, statement, q.lastError());
+        throw failed(q.lastError());
     }
     for (const QVariant& v : values) {
         q.addBindValue(v);
     }
     if (!q.exec()) {
-        throw errorOf(*m_dialect, doing, statement, q.lastError());
+        throw failed(q.lastError());
     }
     return q;
+}
+
+bool Database::connectionLost() {
+    if (!onServer()) {
+        return false;
+    }
+    QSqlQuery probe(m_db);
+    return !probe.exec(QStringLiteral("SELECT 1"));
+}
+
+bool Database::reconnect() {
+    m_db.close();
+    if (!m_db.open()) {
+        return false;
+    }
+    m_dialect->prepareConnection(m_db);
+    return true;
 }
 
 QVariant Database::scalar(const QString& statement, const QVariantList& values,
@@ -430,7 +462,16 @@ Transaction::Transaction(Database& db, const QString& doing) : m_db(db) {
     try {
         if (m_level == 1) {
             const QStringList begin = m_db.dialect().beginTransaction();
-            m_db.exec(begin.first(), {}, doing);
+            try {
+                m_db.exec(begin.first(), {}, doing);
+            } catch (const DbError&) {
+                // A server connection lost since the last action is opened again; nothing had
+                // begun, so beginning again is safe.
+                if (!(m_db.onServer() && m_db.connectionLost() && m_db.reconnect())) {
+                    throw;
+                }
+                m_db.exec(begin.first(), {}, doing);
+            }
             try {
                 for (qsizetype i = 1; i < begin.size(); ++i) {
                     m_db.exec(begin.at(i), {}, doing);

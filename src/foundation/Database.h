@@ -72,6 +72,9 @@ public:
 private:
     friend class Transaction;
     Database(std::unique_ptr<Dialect> dialect, QSqlDatabase db, QString location);
+    // Whether a server connection no longer answers, and opening it again.
+    bool connectionLost();
+    bool reconnect();
     // The statement with its values written in as the driver quotes them: one round trip
     // to a server instead of a prepare, an execute and a release.
     QString withValues(const QString& statement, const QVariantList& values) const;
