@@ -57,12 +57,14 @@ bool ServerAddress::names(const QString& location) {
 std::optional<ServerAddress> ServerAddress::parse(const QString& location, QString* problem) {
     const QString text = location.trimmed();
     QString rest;
+    bool schemed = false;
     for (const QString& scheme : kSchemes) {
         if (text.startsWith(scheme, Qt::CaseInsensitive)) {
             rest = text.mid(scheme.size());
+            schemed = true;
         }
     }
-    if (rest.isEmpty()) {
+    if (!schemed) {
         if (text.startsWith(QStringLiteral("service="), Qt::CaseInsensitive)) {
             return parseKeywords(text, problem);
         }
@@ -94,8 +96,21 @@ std::optional<ServerAddress> ServerAddress::parse(const QString& location, QStri
         }
         address.user = QUrl::fromPercentEncoding(userInfo.toUtf8());
     }
-    if (const qsizetype colon = authority.lastIndexOf(QLatin1Char(':'));
-        colon >= 0 && !authority.startsWith(QLatin1Char('['))) {
+    // An IPv6 host is written in brackets, its own colons apart from the port's.
+    qsizetype colon = authority.lastIndexOf(QLatin1Char(':'));
+    QString host = authority;
+    if (authority.startsWith(QLatin1Char('['))) {
+        const qsizetype close = authority.indexOf(QLatin1Char(']'));
+        const QString after = close < 0 ? QString() : authority.mid(close + 1);
+        if (close < 0 || !(after.isEmpty() || after.startsWith(QLatin1Char(':')))) {
+            return fail(problem, QStringLiteral("\"%1\" is not a server's name.").arg(authority));
+        }
+        host = authority.mid(1, close - 1);
+        colon = after.isEmpty() ? -1 : close + 1;
+    } else if (colon >= 0) {
+        host = authority.left(colon);
+    }
+    if (colon >= 0) {
         bool ok = false;
         const int port = authority.mid(colon + 1).toInt(&ok);
         if (!ok || port <= 0 || port > 65535) {
@@ -104,14 +119,13 @@ std::optional<ServerAddress> ServerAddress::parse(const QString& location, QStri
                 QStringLiteral("\"%1\" is not a port number.").arg(authority.mid(colon + 1)));
         }
         address.port = port;
-        authority = authority.left(colon);
     }
-    address.host = QUrl::fromPercentEncoding(authority.toUtf8());
+    address.host = QUrl::fromPercentEncoding(host.toUtf8());
     for (const QString& pair : query.split(QLatin1Char('&'), Qt::SkipEmptyParts)) {
         const qsizetype eq = pair.indexOf(QLatin1Char('='));
         const QString key = pair.left(eq).toLower();
         const QString value = QUrl::fromPercentEncoding(pair.mid(eq + 1).toUtf8());
-        if (eq <= 0 || !isOptionName(key) || value.isEmpty() || value.contains(QLatin1Char(' '))) {
+        if (eq <= 0 || !isOptionName(key) || value.isEmpty()) {
             return fail(
                 problem,
                 QStringLiteral("\"%1\" is not a setting of the form name=value.").arg(pair));
@@ -127,6 +141,11 @@ std::optional<ServerAddress> ServerAddress::parse(const QString& location, QStri
             address.user = value;
         } else if (key == QLatin1String("dbname")) {
             address.database = value;
+        } else if (value.contains(QLatin1Char(' ')) || value.contains(QLatin1Char(';'))) {
+            // The driver takes further settings as one "name=value;..." text, unquoted.
+            return fail(
+                problem,
+                QStringLiteral("The setting \"%1\" may not hold a space or \";\".").arg(key));
         } else {
             address.options << key + QLatin1Char('=') + value;
         }
@@ -143,16 +162,27 @@ QString ServerAddress::withDatabase(const QString& name) const {
     if (!user.isEmpty()) {
         text += QString::fromUtf8(QUrl::toPercentEncoding(user)) + QLatin1Char('@');
     }
-    if (!host.startsWith(QLatin1Char('/'))) {
+    const bool socket = host.startsWith(QLatin1Char('/'));
+    if (!socket && host.contains(QLatin1Char(':'))) {
+        text += QLatin1Char('[') + host + QLatin1Char(']');
+    } else if (!socket) {
         text += host;
     }
     if (port > 0) {
         text += QLatin1Char(':') + QString::number(port);
     }
     text += QLatin1Char('/') + QString::fromUtf8(QUrl::toPercentEncoding(name));
-    QStringList query = options;
-    if (host.startsWith(QLatin1Char('/'))) {
-        query.prepend(QStringLiteral("host=") + host);
+    // Values are read back percent-decoded, so a space or "&" in one survives the trip.
+    const auto setting = [](const QString& key, const QString& value) {
+        return key + QLatin1Char('=') + QString::fromUtf8(QUrl::toPercentEncoding(value, "/"));
+    };
+    QStringList query;
+    if (socket) {
+        query << setting(QStringLiteral("host"), host);
+    }
+    for (const QString& option : options) {
+        const qsizetype eq = option.indexOf(QLatin1Char('='));
+        query << setting(option.left(eq), option.mid(eq + 1));
     }
     if (!query.isEmpty()) {
         text += QLatin1Char('?') + query.join(QLatin1Char('&'));
