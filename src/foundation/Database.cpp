@@ -409,7 +409,10 @@ bool Database::connectionLost() {
         return false;
     }
     QSqlQuery probe(m_db);
-    return !probe.exec(QStringLiteral("SELECT 1"));
+    // A transaction that a refused statement ended answers "in failed transaction" (25P02):
+    // the connection itself is alive.
+    return !probe.exec(QStringLiteral("SELECT 1")) &&
+           probe.lastError().nativeErrorCode() != QLatin1String("25P02");
 }
 
 bool Database::reconnect() {
