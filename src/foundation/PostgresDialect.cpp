@@ -13,8 +13,8 @@ bool isNameChar(QChar c) {
 
 // The moments among the old "DateTime" columns; every other one holds a date.
 bool holdsMoment(const QString& column) {
-    static const QStringList moments = {QStringLiteral("datecreated"),
-                                        QStringLiteral("submitdate")};
+    static const QStringList moments = {QStringLiteral("datecreated"), QStringLiteral("submitdate"),
+                                        QStringLiteral("hncheckdate")};
     return moments.contains(column.toLower());
 }
 

@@ -245,7 +245,8 @@ bool checkLengthAgainstTable(Database& db, Prompter& prompter, const QString& nu
     if (!row.next()) {
         return true;
     }
-    const QString format = row.value(1).toString().trimmed();
+    // A NULL length reads as 0 from some engines' integer columns; it means any length.
+    const QString format = row.isNull(1) ? QString() : row.value(1).toString().trimmed();
     if (format.isEmpty() || format == QString::number(number.size())) {
         return true;
     }

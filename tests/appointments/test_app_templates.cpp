@@ -164,9 +164,8 @@ private slots:
         QCOMPARE(loaded[6].align, QStringLiteral("Center"));
 
         // A save that fails part-way keeps the columns saved before.
-        office.db->exec(
-            "Create Trigger fail Before Insert On AppColumns When New.ID = 3 "
-            "Begin Select Raise(Abort, 'disk full'); End");
+        test::refuseRows(*office.db, QStringLiteral("Insert"), QStringLiteral("AppColumns"),
+                         QStringLiteral("NEW.ID = 3"), QStringLiteral("disk full"));
         QVERIFY_THROWS_EXCEPTION(DbError, SaveColumns(*office.db, office.log, shipped));
         QCOMPARE(LoadColumns(*office.db).size(), mine.size());
         QCOMPARE(office.loggedLines(), 1 + mine.size());

@@ -216,7 +216,7 @@ private slots:
         std::atomic<int> failures = 0;
         const auto desk = [&](const QString& doctor) {
             try {
-                auto db = Database::createSqlite(file);
+                auto db = test::openAgain(file);
                 RecordingPrompter prompter;
                 AppointmentBook book(*db, prompter, o.log);
                 for (int i = 0; i < kEach; ++i) {

@@ -24,13 +24,16 @@ struct Office : test::OfficeFixture {
 
     // "types / appointments / templates", each as "id=type".
     QString state() {
-        return db
-            ->scalar(
-                "Select (Select group_concat(ID, ' ') From AppTimeSlots) || ' / ' || "
-                "(Select group_concat(AppID || '=' || SlotType, ' ') From Appointments) || "
-                "' / ' || (Select group_concat(AppTempID || '=' || TimeSlot, ' ') From "
-                "AppTemplates)")
-            .toString();
+        QStringList parts;
+        for (const char* query :
+             {"Select ID From AppTimeSlots Order By ID",
+              "Select AppID, SlotType From Appointments Order By AppID",
+              "Select AppTempID, TimeSlot From AppTemplates Order By AppTempID"}) {
+            parts << test::rowsOf(db->exec(QString::fromLatin1(query)))
+                         .join(QLatin1Char(' '))
+                         .replace(QLatin1Char('|'), QLatin1Char('='));
+        }
+        return parts.join(QStringLiteral(" / "));
     }
 };
 
@@ -123,9 +126,8 @@ private slots:
         Office office;
         office.log.setOn(true);
         if (!failOn.isEmpty()) {
-            office.db->exec(QStringLiteral("Create Trigger fail Before Delete On %1 "
-                                           "Begin Select Raise(Abort, 'disk full'); End")
-                                .arg(failOn));
+            test::refuseRows(*office.db, QStringLiteral("Delete"), failOn, {},
+                             QStringLiteral("disk full"));
         }
         office.prompter.script({yes ? Answer::Yes : Answer::No});
         if (failOn.isEmpty()) {

@@ -42,10 +42,10 @@ private slots:
     void officeTableReplacesDefaultUnlessEmpty() {
         test::TempOffice office;
         auto db = office.emptyDatabase();
-        db->exec(
+        db->exec(db->dialect().ddl(
             QStringLiteral("Create Table Menus (MenuID Long PRIMARY KEY, SubMenuID Long, "
                            "Caption Text(50), MenuPosition Long, Action Long, "
-                           "ActionParam Long, ShortCutMod Long, ShortCutKey Long)"));
+                           "ActionParam Long, ShortCutMod Long, ShortCutKey Long)")));
         QCOMPARE(loadMenu(*db), defaultMenu());
 
         const MenuEntry claims{7, 0, QStringLiteral("&Bill"), 2, 1, 0, 2, 66};

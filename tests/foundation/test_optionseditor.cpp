@@ -24,8 +24,8 @@ struct Editing {
     std::optional<OptionsEditor> editor;
 
     explicit Editing(const QString& placer, const QString& patientPath = {}) {
-        db->exec(
-            QStringLiteral("Create Table OtherParams(ParamName text(50),ParamValue text(50))"));
+        db->exec(db->dialect().ddl(
+            QStringLiteral("Create Table OtherParams(ParamName text(50),ParamValue text(50))")));
         if (!placer.isEmpty()) {
             db->exec(QStringLiteral("Insert Into OtherParams (ParamName, ParamValue) "
                                     "Values ('PlacerID', ?)"),

@@ -1,12 +1,15 @@
 #include "TestSupport.h"
 
 #include "foundation/ActionRegistry.h"
+#include "foundation/Backup.h"
 #include "foundation/Clock.h"
 #include "foundation/CommandReceiver.h"
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
 #include "foundation/PrivateSocket.h"
 #include "foundation/ReceiverClient.h"
+#include "foundation/ServerAddress.h"
+#include "foundation/ServerBackup.h"
 
 #include <QDir>
 #include <QFile>
@@ -91,12 +94,21 @@ struct Office {
     QString ask(const QString& line) const { return ::ask(paths, line); }
 };
 
-// The patients in a backup; a backup without them fails the test by throwing.
-QStringList namesIn(const QString& file) {
-    auto opened = Database::openSqlite(file);
-    auto* db = std::get_if<std::unique_ptr<Database>>(&opened);
-    return db ? test::rowsOf((*db)->exec(QStringLiteral("SELECT name FROM patients ORDER BY id")))
-              : QStringList{QStringLiteral("<cannot open>")};
+// The patients in a backup, a file or a server's dump (restored into a fresh database of
+// the office); a backup without them fails the test by throwing.
+QStringList namesIn(const test::TempOffice& temp, const QString& file) {
+    std::unique_ptr<Database> db;
+    if (file.endsWith(QLatin1String(kServerBackupEnding))) {
+        db = temp.emptyDatabase(QStringLiteral("restored.mdb"));
+        serverbackup::restore(*ServerAddress::parse(db->location(), nullptr), file);
+    } else {
+        auto opened = Database::openSqlite(file);
+        if (!std::holds_alternative<std::unique_ptr<Database>>(opened)) {
+            return {QStringLiteral("<cannot open>")};
+        }
+        db = std::move(std::get<std::unique_ptr<Database>>(opened));
+    }
+    return test::rowsOf(db->exec(QStringLiteral("SELECT name FROM patients ORDER BY id")));
 }
 
 // Byte 18 of an SQLite header is 1 for a rollback journal, 2 for WAL.
@@ -146,24 +158,38 @@ class TestReceiver : public QObject {
 private slots:
     void backupCopiesTheLiveDatabaseUnderDatedNamesOrTellsWhyNot() {
         Office office;
+        const bool server = office.db->onServer();
+        const QString ending =
+            server ? QString::fromLatin1(kServerBackupEnding) : QStringLiteral(".mdb");
         QCOMPARE(listenError(office.receiver), QString());
         QCOMPARE(office.ask(QStringLiteral("BACKUP")), QStringLiteral("BACKUPDONE!"));
-        const QString first = office.temp.file(QStringLiteral("medical-20261122-143005.mdb"));
-        QCOMPARE(fileFormatVersion(first), 1);
-        QCOMPARE(namesIn(first), QStringList({"Ames", "Boyd", "Cole"}));
+        const QString first = office.temp.file(QStringLiteral("medical-20261122-143005") + ending);
+        if (!server) {
+            QCOMPARE(fileFormatVersion(first), 1);
+        }
+        QCOMPARE(namesIn(office.temp, first), QStringList({"Ames", "Boyd", "Cole"}));
 
         // Same second again: the first backup is kept and the next free second is used.
         office.addPatient(QStringLiteral("Dunn"));
         QCOMPARE(office.ask(QStringLiteral("backup now")), QStringLiteral("BACKUPDONE!"));
-        QCOMPARE(namesIn(first), QStringList({"Ames", "Boyd", "Cole"}));
-        const QString second = office.temp.file(QStringLiteral("medical-20261122-143006.mdb"));
-        QCOMPARE(namesIn(second), QStringList({"Ames", "Boyd", "Cole", "Dunn"}));
+        QCOMPARE(namesIn(office.temp, first), QStringList({"Ames", "Boyd", "Cole"}));
+        const QString second = office.temp.file(QStringLiteral("medical-20261122-143006") + ending);
+        QCOMPARE(namesIn(office.temp, second), QStringList({"Ames", "Boyd", "Cole", "Dunn"}));
 
-        office.db->close();
+        if (server) {
+            // pg_dump cannot reach a database that takes no more connections.
+            const auto address = ServerAddress::parse(office.db->location(), nullptr);
+            test::openAgain(address->withDatabase(QStringLiteral("postgres")))
+                ->exec(QStringLiteral("ALTER DATABASE %1 ALLOW_CONNECTIONS false")
+                           .arg(address->database));
+        } else {
+            office.db->close();
+        }
         const QString failed = office.ask(QStringLiteral("BACKUP"));
         QVERIFY2(failed.startsWith(QStringLiteral("BACKUPFAILED ")), qPrintable(failed));
-        QCOMPARE(QDir(office.temp.folder()).entryList({QStringLiteral("medical-*")}),
-                 QStringList({"medical-20261122-143005.mdb", "medical-20261122-143006.mdb"}));
+        QCOMPARE(
+            QDir(office.temp.folder()).entryList({QStringLiteral("medical-*")}),
+            QStringList({"medical-20261122-143005" + ending, "medical-20261122-143006" + ending}));
     }
 
     void commandWordsReachTheirHandlers_data() {

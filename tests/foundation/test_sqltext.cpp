@@ -79,9 +79,9 @@ private slots:
 
         test::TempOffice office;
         auto db = office.emptyDatabase();
-        db->exec(
+        db->exec(db->dialect().ddl(
             QStringLiteral("Create Table patients (PatientID Long, LName Text(30), FName Text(30), "
-                           "Sex Text(1), DOB DateTime, Balance Double, Flag Text(10))"));
+                           "Sex Text(1), DOB DateTime, Balance Double, Flag Text(10))")));
         const auto insert = b.boundInsert();
         db->exec(insert.sql, insert.values);
 
@@ -124,7 +124,8 @@ private slots:
         QFETCH(bool, wholeText);
         test::TempOffice office;
         auto db = office.emptyDatabase();
-        db->exec(QStringLiteral("Create Table people (ID Long, Name Text(40), Amount Long)"));
+        db->exec(db->dialect().ddl(
+            QStringLiteral("Create Table people (ID Long, Name Text(40), Amount Long)")));
         const QStringList names = {"Smith", "smithers", "O'Brien", "100%", "1000",  "a_b",
                                    "axb",   "a\\b",     "[x]",     "yxz",  "Sm'ith"};
         for (int i = 0; i < names.size(); ++i) {
@@ -154,7 +155,8 @@ private slots:
     void nextIdsAndLookup() {
         test::TempOffice office;
         auto db = office.emptyDatabase();
-        db->exec(QStringLiteral("Create Table patients (PatientID Long, LName Text(30))"));
+        db->exec(db->dialect().ddl(
+            QStringLiteral("Create Table patients (PatientID Long, LName Text(30))")));
         AppSettings settings;
         settings.nextIDUnder = 500;
         QCOMPARE(nextPatientId(*db, settings), qint64(1));

@@ -191,7 +191,7 @@ private slots:
         std::mutex failuresLock;
         const auto computer = [&](const QString& name, QList<qint64>* ids) {
             try {
-                auto db = Database::createSqlite(file);
+                auto db = test::openAgain(file);
                 AppSettings settings;
                 settings.option[1] = true;
                 RecordingPrompter prompter;

@@ -189,9 +189,8 @@ private slots:
         QFETCH(QString, failOn);
         Office office;
         if (!failOn.isEmpty()) {
-            office.db->exec(QStringLiteral("Create Trigger fail Before Update On %1 "
-                                           "Begin Select Raise(Abort, 'disk full'); End")
-                                .arg(failOn));
+            test::refuseRows(*office.db, QStringLiteral("Update"), failOn, {},
+                             QStringLiteral("disk full"));
         }
         office.prompter.script({yes ? Answer::Yes : Answer::No});
         const QStringList words = action.split(QLatin1Char(' '));

@@ -87,9 +87,13 @@ std::unique_ptr<Database> TempOffice::emptyDatabase(const QString& name) const {
     const QString database = serverDatabaseName(name);
     serverAdmin().exec(QStringLiteral("CREATE DATABASE %1").arg(database));
     m_serverDatabases << database;
-    auto opened = Database::openServer(databaseLocation(name));
+    return openAgain(databaseLocation(name));
+}
+
+std::unique_ptr<Database> openAgain(const QString& location) {
+    auto opened = Database::open(location);
     if (auto* failure = std::get_if<OpenFailure>(&opened)) {
-        throw DbError(QStringLiteral("opening a test database"), {},
+        throw DbError(QStringLiteral("opening the database again"), {},
                       failure->lines().join(QLatin1Char(' ')));
     }
     return std::move(std::get<std::unique_ptr<Database>>(opened));
@@ -141,7 +145,11 @@ QStringList rowsOf(QSqlQuery query) {
         QStringList values;
         for (int i = 0; i < query.record().count(); ++i) {
             const QVariant v = query.value(i);
-            values << (v.isNull() ? QStringLiteral("<null>") : v.toString());
+            // A server gives a moment as a date-time; shown as SQLite stores it.
+            values << (v.isNull() ? QStringLiteral("<null>")
+                       : v.typeId() == QMetaType::QDateTime
+                           ? v.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
+                           : v.toString());
         }
         rows << values.join(QLatin1Char('|'));
     }

@@ -41,6 +41,10 @@ private:
 // The PostgreSQL test server's socket folder; empty when the tests run on SQLite.
 QString testServer();
 
+// A second connection to the database at `location` (a file or a server's address), as
+// another program or computer opens it; throws DbError when it cannot be opened.
+std::unique_ptr<Database> openAgain(const QString& location);
+
 // Makes the engine refuse a row event ("Insert", "Update" or "Delete") on a table with
 // `message`, for rows meeting `condition` (NEW./OLD. columns; empty for every row): a disk
 // that fills in the middle of a save, on either engine.
@@ -66,7 +70,8 @@ void row(const char* name, const Values&... values) {
     (data << ... << column(values));
 }
 
-// Every row a query gives, as "value|value|...", with "<null>" for NULL.
+// Every row a query gives, as "value|value|...", with "<null>" for NULL and dates and moments
+// as SQLite's text ("2026-11-22", "2026-11-22 10:00:00") on either engine.
 QStringList rowsOf(QSqlQuery query);
 
 // The ministry's public sample files, when the shared folder is beside the project.
