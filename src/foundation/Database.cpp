@@ -20,10 +20,28 @@ namespace {
 
 QAtomicInt g_connectionCounter;
 
+// The server's driver reports "ERROR:  what\nDETAIL:  more\nCONTEXT:  where\n(code)"; people
+// are told what and its detail on one line. Other texts are kept as they are.
+QString serverWords(const QString& text) {
+    if (!text.startsWith(QLatin1String("ERROR:")) && !text.startsWith(QLatin1String("FATAL:"))) {
+        return text;
+    }
+    QStringList kept;
+    for (const QString& line : text.split(QLatin1Char('\n'))) {
+        for (const QLatin1String label :
+             {QLatin1String("ERROR:"), QLatin1String("FATAL:"), QLatin1String("DETAIL:")}) {
+            if (line.startsWith(label)) {
+                kept << line.mid(label.size()).trimmed();
+            }
+        }
+    }
+    return kept.join(QLatin1Char(' '));
+}
+
 DbError errorOf(const Dialect& dialect, const QString& doing, const QString& statement,
                 const QSqlError& e) {
     QString text = e.databaseText().isEmpty() ? e.text() : e.databaseText();
-    text = text.trimmed();
+    text = serverWords(text.trimmed());
     if (dialect.isBusy(e.nativeErrorCode())) {
         // The engine already waited its time-out; what the user needs is what happened to
         // their work and what to do.
