@@ -138,7 +138,9 @@ QStringList ClaimChecks::claimProblems(const ClaimEntry& c) const {
                 problems << QStringLiteral("Invalid province (") + c.province.trimmed() +
                                 QStringLiteral(").");
             } else {
-                const QString format = row.value(1).toString().trimmed();
+                // A NULL length (any length) may come back as 0 from an integer column.
+                const QString format =
+                    row.isNull(1) ? QString() : row.value(1).toString().trimmed();
                 if (!format.isEmpty() && !number.isEmpty() &&
                     format != QString::number(number.size())) {
                     problems << QStringLiteral(
