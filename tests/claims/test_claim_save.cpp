@@ -73,9 +73,11 @@ private slots:
         QVERIFY(saved);
         QCOMPARE(saved->statusLine,
                  QString("Last Saved: [10:00] -- PatientID: [1] - Account: [00000001]"));
-        QCOMPARE(rows("Select ClaimID, AcctNum, BatchID, DoctorID, PayProg, VersionCode, SLI,"
-                      " DateCreated From claims"),
-                 L{"10000000|00000001|000000000000|JS|HCP - P|AB|OFF|2026-11-22 10:00:00"});
+        QCOMPARE(rows("Select ClaimID, AcctNum, BatchID, DoctorID, PayProg, VersionCode, SLI"
+                      " From claims"),
+                 L{"10000000|00000001|000000000000|JS|HCP - P|AB|OFF"});
+        QCOMPARE(ClaimStore(*f->db, f->clock, f->log).load(10000000)->dateCreated,
+                 QDateTime(QDate(2026, 11, 22), QTime(10, 0)));
         QCOMPARE(
             rows("Select ItemID, ServiceCode, NumServ, FeeSubm, ServiceDate, Status,"
                  " FeePaid From items Order By ItemID"),
@@ -170,8 +172,7 @@ private slots:
         ClaimEntry first = ontarioClaim();
         QVERIFY(save(first));
         const QStringList before = rows("Select * From items");
-        sql("Create Trigger refuse Before Insert On items When NEW.ServiceCode='A001A'"
-            " Begin Select Raise(Abort, 'disk full'); End");
+        test::refuseRows(*f->db, "Insert", "items", "NEW.ServiceCode='A001A'", "disk full");
         ClaimEntry edited = ontarioClaim();
         edited.claimId = 10000000;
         QVERIFY_THROWS_EXCEPTION(DbError, save(edited, true));

@@ -172,10 +172,8 @@ private slots:
         test::OfficeFixture o;
         ClaimStore store(*o.db, o.clock, o.log);
         const ClaimRecord first = store.insertNew(claimOf(QStringLiteral("HCP - P"), 2));
-        o.db->exec(
-            QStringLiteral("Create Trigger refuse Before Insert On items"
-                           " When New.ServiceCode='BOOMA'"
-                           " Begin Select Raise(Abort, 'refused'); End"));
+        test::refuseRows(*o.db, QStringLiteral("Insert"), QStringLiteral("items"),
+                         QStringLiteral("NEW.ServiceCode='BOOMA'"), QStringLiteral("refused"));
         ClaimRecord edited = claimOf(QStringLiteral("HCP - P"), 2);
         edited.claimId = first.claimId;
         edited.items[1].serviceCode = QStringLiteral("BOOMA");

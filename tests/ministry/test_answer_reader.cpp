@@ -116,16 +116,18 @@ void TestAnswerReader::reconcilesOneFileInOneTransaction() {
     };
     const QStringList before = table();
 
-    // A database that refuses the item's update keeps the claim's `RA` as it was too.
-    f.db->exec(
-        QStringLiteral("Create Trigger refuse Before Update On items"
-                       " Begin Select Raise(Abort, 'refused'); End"));
+    // A database that refuses the item's update (while "trouble" holds a row) keeps the claim's
+    // `RA` as it was too.
+    f.db->exec(f.db->dialect().ddl(QStringLiteral("Create Table trouble (Kind Text(10))")));
+    f.db->exec(QStringLiteral("Insert Into trouble Values ('disk')"));
+    test::refuseRows(*f.db, QStringLiteral("Update"), QStringLiteral("items"),
+                     QStringLiteral("Exists (Select 1 From trouble)"), QStringLiteral("refused"));
     QVERIFY(!readAnswer(*f.db, f.log, f.prompter, path, {}).has_value());
     QVERIFY(f.prompter.last().text().startsWith(
         QStringLiteral("The file PK123456.001 was not reconciled; nothing was changed.")));
     QCOMPARE(table(), before);
 
-    f.db->exec(QStringLiteral("Drop Trigger refuse"));
+    f.db->exec(QStringLiteral("Delete From trouble"));
     ReadOptions off;
     off.reconcile = false;
     const auto checked = readAnswer(*f.db, f.log, f.prompter, path, off);

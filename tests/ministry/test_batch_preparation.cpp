@@ -167,10 +167,11 @@ void TestBatchPreparation::failureLeavesNothing() {
     o.addDoctor("AB", "0000", "123456", "00");
     o.claim(10000001, "00000001", "AB", {{"A007A", Money::fromCents(3370), kDay20}});
     o.claim(10000002, "00000002", "AB", {{"A007A", Money::fromCents(3370), QDate(2026, 12, 1)}});
-    // The engine refuses the batch row after the claims were held back and the file written.
-    o.db->exec(
-        "Create Trigger refuse Before Insert On batches "
-        "Begin Select Raise(Abort, 'disk full'); End");
+    // The engine refuses the batch row after the claims were held back and the file written,
+    // while the table "trouble" holds a row.
+    o.db->exec(o.db->dialect().ddl("Create Table trouble (Kind Text(10))"));
+    o.db->exec("Insert Into trouble Values ('disk')");
+    test::refuseRows(*o.db, "Insert", "batches", "Exists (Select 1 From trouble)", "disk full");
 
     QVERIFY_THROWS_EXCEPTION(DbError, o.prepare(test::requestFor("AB", "2026/11/22")));
     QCOMPARE(o.batchOf(10000001), kPendingBatch);
@@ -181,7 +182,7 @@ void TestBatchPreparation::failureLeavesNothing() {
     QVERIFY(!o.office.store().contains("Batch", "HK123456.001"));
 
     // Once the trouble is gone the same file name is used.
-    o.db->exec("Drop Trigger refuse");
+    o.db->exec("Delete From trouble");
     const auto file = o.prepare(test::requestFor("AB", "2026/11/22"));
     QVERIFY(file);
     QCOMPARE(file->fileName, QStringLiteral("HK123456.001"));

@@ -238,9 +238,7 @@ private slots:
 
     void aRefusalWritesNothing() {
         Office o;
-        o.db->exec(
-            "Create Trigger refuse Before Update On items When new.ItemID=2"
-            " Begin Select Raise(Abort, 'refused'); End");
+        test::refuseRows(*o.db, "Update", "items", "NEW.ItemID=2", "refused");
         errorreport::ErrorReport report =
             errorreport::read({hx1(), hxh(), hxt("A003A", "20261101", "401", "VJ5"),
                                hxt("A003A", "20261105", "", "VJ5")});

@@ -210,9 +210,7 @@ private slots:
         RemitOffice o;
         o.claims({"10000000 A001A 7720 0"});
         o.claims({"10000001 A001A 7720 0"}, "00000043");
-        o.db->exec(
-            "Create Trigger refuse Before Update On items When NEW.ClaimID=10000001 "
-            "Begin Select RAISE(ABORT, 'refused'); End");
+        test::refuseRows(*o.db, "Update", "items", "NEW.ClaimID=10000001", "refused");
         o.log.setOn(true);
         const QStringList before = o.tables();
         QVERIFY_THROWS_EXCEPTION(
