@@ -2,6 +2,7 @@
 
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
+#include "foundation/ServerAddress.h"
 #include "screens/AppDetailsScreen.h"
 #include "screens/AppSetupScreens.h"
 #include "screens/ClaimScreens.h"
@@ -19,6 +20,8 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QUrl>
 
@@ -94,6 +97,22 @@ bool AppShell::start() {
 }
 
 bool AppShell::chooseDatabaseLocation() {
+    // A workstation of a server office asks again for the server: it may be back, or its
+    // address may need correcting; a folder would be the wrong question.
+    const QString failed = m_session.openFailure ? m_session.openFailure->location : QString();
+    if (ServerAddress::names(failed)) {
+        bool ok = false;
+        const QString address = QInputDialog::getText(
+            nullptr, QStringLiteral("Database server"),
+            QStringLiteral("Try again, or correct the address of the office's database:"),
+            QLineEdit::Normal, failed, &ok);
+        if (!ok || address.trimmed().isEmpty()) {
+            return false;
+        }
+        m_store.save(QStringLiteral("General"), QStringLiteral("dbPath"), address.trimmed());
+        m_store.sync();
+        return true;
+    }
     const QString folder = QFileDialog::getExistingDirectory(
         nullptr, QStringLiteral("Choose the folder of medical.mdb"), m_paths.folder());
     if (folder.isEmpty()) {
