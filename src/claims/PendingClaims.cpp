@@ -51,12 +51,14 @@ QString orderBy(PendingOrder order, const QString& patient) {
         case PendingOrder::Patient:
             return QStringLiteral("Upper(") + patient + QStringLiteral("), C.PatientID, ") +
                    claimThenItem;
-        case PendingOrder::ServiceDate:
-            // A claim goes by its earliest service, not split over its items' dates.
-            return QStringLiteral(
-                       "(Select Min(S.ServiceDate) From items S"
-                       " Where S.ClaimID=I.ClaimID), ") +
+        case PendingOrder::ServiceDate: {
+            // A claim goes by its earliest service, not split over its items' dates; claims
+            // without a date come first on every engine.
+            const QString first = QStringLiteral(
+                "(Select Min(S.ServiceDate) From items S Where S.ClaimID=I.ClaimID)");
+            return first + QStringLiteral(" Is Null Desc, ") + first + QStringLiteral(", ") +
                    claimThenItem;
+        }
         case PendingOrder::Doctor:
             return QStringLiteral("Upper(C.DoctorID), ") + claimThenItem;
         case PendingOrder::Account:

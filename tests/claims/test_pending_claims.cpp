@@ -8,8 +8,8 @@ using namespace brimsett;
 
 namespace {
 
-// Four pending claims, 70000001 the split part of 10000001, and a submitted one. Money is
-// stored in ten-thousandths.
+// Five pending claims, 70000001 the split part of 10000001, 10000005 without a service date,
+// and a submitted one. Money is stored in ten-thousandths.
 struct Pending : test::OfficeFixture {
     Pending() {
         db->exec(
@@ -18,13 +18,14 @@ struct Pending : test::OfficeFixture {
             " 'Zed', 'Ann'), (10000002, '000000000000', '00000002', 'cd', 'RMB', 2, 'Adams',"
             " 'Bob'), (70000001, '000000000000', '00000001', 'AB', 'RMB', 1, 'Zed', 'Ann'),"
             " (10000003, 'J20261122001', '00000003', 'AB', 'RMB', 3, 'Old', 'Al'),"
-            " (10000004, '000000000000', '00000004', 'AB', 'RMB', 4, 'Mills', 'Cy')");
+            " (10000004, '000000000000', '00000004', 'AB', 'RMB', 4, 'Mills', 'Cy'),"
+            " (10000005, '000000000000', '00000005', 'EF', 'RMB', 5, 'None', 'Nora')");
         db->exec(
             "Insert Into items (ClaimID, ItemID, FeeSubm, ServiceDate) Values"
             " (10000001, 1, 337000, '2026-11-20'), (10000001, 3, 250000, '2026-11-01'),"
             " (10000002, 1, 100000, '2026-11-10'), (70000001, 2, NULL, '2026-11-20'),"
             " (10000003, 1, 990000, '2026-11-02'), (10000004, 2, 50000, '2026-11-15'),"
-            " (10000004, 1, 70000, '2026-11-05')");
+            " (10000004, 1, 70000, '2026-11-05'), (10000005, 1, 10000, NULL)");
     }
 };
 
@@ -41,20 +42,23 @@ private slots:
         QTest::addColumn<QStringList>("lines");  // "claim.item patient fee date"
         QTest::addColumn<QString>("total");
         using L = QStringList;
-        const QString all = "Total Pending $80.70 5 items.";
+        const QString all = "Total Pending $81.70 6 items.";
         const L zed{"10000001.1 Ann Zed 33.70 1120", "10000001.3 Ann Zed 25.00 1101",
                     "70000001.2 Ann Zed - 1120"};
         const L mills{"10000004.1 Cy Mills 7.00 1105", "10000004.2 Cy Mills 5.00 1115"};
         const L adams{"10000002.1 Bob Adams 10.00 1110"};
-        test::row("account", "", int(PendingOrder::Account), false, zed + adams + mills, all);
+        const L none{"10000005.1 Nora None 1.00 "};
+        test::row("account", "", int(PendingOrder::Account), false, zed + adams + mills + none,
+                  all);
         test::row("patient, last name first", "", int(PendingOrder::Patient), true,
                   L{"10000002.1 Adams, Bob 10.00 1110", "10000004.1 Mills, Cy 7.00 1105",
-                    "10000004.2 Mills, Cy 5.00 1115", "10000001.1 Zed, Ann 33.70 1120",
-                    "10000001.3 Zed, Ann 25.00 1101", "70000001.2 Zed, Ann - 1120"},
+                    "10000004.2 Mills, Cy 5.00 1115", "10000005.1 None, Nora 1.00 ",
+                    "10000001.1 Zed, Ann 33.70 1120", "10000001.3 Zed, Ann 25.00 1101",
+                    "70000001.2 Zed, Ann - 1120"},
                   all);
         test::row("earliest service date", "", int(PendingOrder::ServiceDate), false,
-                  L{zed.at(0), zed.at(1)} + mills + adams + L{zed.at(2)}, all);
-        test::row("doctor", "", int(PendingOrder::Doctor), false, zed + mills + adams, all);
+                  none + L{zed.at(0), zed.at(1)} + mills + adams + L{zed.at(2)}, all);
+        test::row("doctor", "", int(PendingOrder::Doctor), false, zed + mills + adams + none, all);
         test::row("one doctor, any case", "ab ", int(PendingOrder::Patient), false, zed + mills,
                   "Total Pending $70.70 4 items.");
         test::row("stored in another case", "CD", int(PendingOrder::Account), false, adams,
