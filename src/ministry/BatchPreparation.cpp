@@ -245,10 +245,11 @@ std::vector<std::pair<QString, QStringList>> BatchPreparation::batchDoctors(
     }
     // One batch per specialty: the billing number's doctors of that specialty, whatever
     // their location. A second location of the same specialty would find nothing left.
+    // A missing specialty or location sorts first on every engine.
     QSqlQuery q = m_db.exec(
-        QStringLiteral(
-            "Select DoctorID, SpecCode, LocationCode From doctors "
-            "Where GroupNum=? And ProviderNum=? Order By SpecCode, LocationCode, DoctorID"),
+        QStringLiteral("Select DoctorID, SpecCode, LocationCode From doctors "
+                       "Where GroupNum=? And ProviderNum=? "
+                       "Order By Coalesce(SpecCode,''), Coalesce(LocationCode,''), DoctorID"),
         {groupNum, providerNum}, QStringLiteral("reading the billing number's doctors"));
     while (q.next()) {
         const QString specialty = q.value(1).toString();

@@ -37,7 +37,7 @@ ThirdPartyRegister::ThirdPartyRegister(Database& db, Prompter& prompter, const S
 QList<ThirdPartyListRow> ThirdPartyRegister::list() {
     // By name without regard to case, as the office reads it.
     QSqlQuery q = m_db.exec(QStringLiteral("Select ThirdPartyID As ID,Name,Contact From thirdparty"
-                                           " Order By Lower(Name),ThirdPartyID"),
+                                           " Order By Lower(Coalesce(Name,'')),ThirdPartyID"),
                             {}, QStringLiteral("reading the third party payers"));
     QList<ThirdPartyListRow> rows;
     while (q.next()) {
@@ -184,7 +184,7 @@ std::optional<CityQuickCode> ThirdPartyRegister::cityQuickCode(const QString& co
 
 QList<ThirdPartyChoice> thirdPartyChoices(Database& db) {
     QSqlQuery q = db.exec(QStringLiteral("Select ThirdPartyID, Name From thirdparty"
-                                         " Order By Lower(Name), ThirdPartyID"),
+                                         " Order By Lower(Coalesce(Name,'')), ThirdPartyID"),
                           {}, QStringLiteral("reading the third party payers"));
     QList<ThirdPartyChoice> choices;
     while (q.next()) {
