@@ -60,6 +60,12 @@ QString PostgresDialect::statement(const QString& text) const {
 // integer, flags are small integers (the program compares them with 0 and 1), lengths kept.
 QString PostgresDialect::ddl(const QString& text) const {
     QString s = statement(text);
+    // The lists a claim gathers over its life (every batch it was sent in, every remittance
+    // that answered it) keep each entry however long they grow, as they do in SQLite.
+    static const QRegularExpression growing(
+        QStringLiteral("\\b(AllBatches|RA)\\s+Text\\s*\\(\\d+\\)"),
+        QRegularExpression::CaseInsensitiveOption);
+    s.replace(growing, QStringLiteral("\\1 text"));
     static const QRegularExpression sized(QStringLiteral("\\bText\\s*\\((\\d+)\\)"),
                                           QRegularExpression::CaseInsensitiveOption);
     s.replace(sized, QStringLiteral("varchar(\\1)"));
