@@ -32,6 +32,7 @@ private slots:
     void holdingBackByDate_data();
     void holdingBackByDate();
     void failureLeavesNothing();
+    void everyEarlierBatchIsKept();
     void reverseRepricesAndReturnsToPending();
     void deleteRecordAndSubmission();
 };
@@ -186,6 +187,22 @@ void TestBatchPreparation::failureLeavesNothing() {
     const auto file = o.prepare(test::requestFor("AB", "2026/11/22"));
     QVERIFY(file);
     QCOMPARE(file->fileName, QStringLiteral("HK123456.001"));
+}
+
+void TestBatchPreparation::everyEarlierBatchIsKept() {
+    test::BatchOffice o;
+    o.addDoctor("AB", "0000", "123456", "00");
+    // Nineteen earlier batches: the next one takes the list past its declared 250 characters.
+    QString earlier;
+    for (int n = 1; n <= 19; ++n) {
+        earlier += QString("20261001%1!").arg(n, 4, 10, QChar('0'));
+    }
+    o.claim(10000001, "00000001", "AB", {{"A007A", Money::fromCents(3370), kDay20}}, "HCP - P",
+            [&](ClaimRecord& c) { c.allBatches = earlier; });
+    const auto file = o.prepare(test::requestFor("AB"));
+    QVERIFY(file);
+    QCOMPARE(o.db->scalar("Select AllBatches From claims Where ClaimID=10000001").toString(),
+             earlier + file->batches.front().batchId + "!");
 }
 
 void TestBatchPreparation::reverseRepricesAndReturnsToPending() {

@@ -179,8 +179,10 @@ private slots:
         RemitOffice o;
         o.claims({"10000000 A001A 7720 0", "10000000 A001A 7720 0", "10000000 G010A 3370 0",
                   "70000000 A001B 2000 0"});
-        // An entry that only contains the reference is another file's.
-        o.db->exec("Update claims Set RA='X" + kRef + "!' Where ClaimID=10000000");
+        // An entry that only contains the reference is another file's; ten of them make a
+        // history that this file's reference takes past the column's declared 250 characters.
+        const QString earlier = ("X" + kRef + "!").repeated(10);
+        o.db->exec("Update claims Set RA=? Where ClaimID=10000000", {earlier});
         o.log.setOn(true);
         // Two like services, both short-paid: each line answers one of them.
         const QStringList file{hr4("00000042"),
@@ -192,7 +194,7 @@ private slots:
         const ReconcileOptions options{.autoSplit = true};
         QCOMPARE(o.reconcile(file, options), (ReconcileCounts{1, 2, 1, 0}));
         QCOMPARE(o.rows("Select RA, MOHClaim From claims Where ClaimID=10000000"),
-                 QStringList{"X" + kRef + "!" + kRef + "!|J2093000060"});
+                 QStringList{earlier + kRef + "!|J2093000060"});
         QCOMPARE(o.rows("Select Status, Errors From items Order By ClaimID, ItemID"),
                  (QStringList{"1|30", "1|30", "2|<null>", "1|30"}));
         const QStringList before = o.tables();
