@@ -14,12 +14,8 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QSet>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTextStream>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 
@@ -47,45 +43,40 @@ bool workday(const QDate& day) {
 
 void fill(Database& db) {
     Transaction tx(db);
-    QSqlQuery type(db.connection());
-    type.prepare(
-        QStringLiteral("Insert Into apptimeslots (ID, Name, Color, QuickCode, Type, "
-                       "DefaultLength, DefaultServiceCode, DefaultDiagCode) "
-                       "Values (?,?,?,?,?,?,?,?)"));
-    for (int t = 1; t <= kSlotTypes; ++t) {
-        for (const QVariant& v :
-             {QVariant(t), QVariant(QStringLiteral("Type %1").arg(t)), QVariant(t * 0x101010),
-              QVariant(QStringLiteral("T%1").arg(t)), QVariant(t == kSlotTypes ? 1 : 0),
-              QVariant(10 + 5 * (t % 4)), QVariant(QStringLiteral("A007A")),
-              QVariant(QStringLiteral("799"))}) {
-            type.addBindValue(v);
+    {
+        bench::Rows types(db,
+                          QStringLiteral("Insert Into apptimeslots (ID, Name, Color, QuickCode, "
+                                         "Type, DefaultLength, DefaultServiceCode, "
+                                         "DefaultDiagCode)"),
+                          8);
+        for (int t = 1; t <= kSlotTypes; ++t) {
+            types.add({t, QStringLiteral("Type %1").arg(t), t * 0x101010,
+                       QStringLiteral("T%1").arg(t), t == kSlotTypes ? 1 : 0, 10 + 5 * (t % 4),
+                       QStringLiteral("A007A"), QStringLiteral("799")});
         }
-        type.exec();
     }
-    QSqlQuery slot(db.connection());
-    slot.prepare(
-        QStringLiteral("Insert Into apptemplates (AppTempID, DoctorID, Day, "
-                       "TemplateTime, TimeSlot) Values (?,?,?,?,?)"));
-    int tempId = 0;
-    // The default template, then an own one for every even doctor; Monday (2) to Friday (6).
-    for (int d = -1; d < kDoctors; d += (d < 0 ? 1 : 2)) {
-        for (int day = 2; day <= 6; ++day) {
-            for (int s = 0; s < kTemplateSlots; ++s) {
-                for (const QVariant& v :
-                     {QVariant(++tempId), QVariant(d < 0 ? QStringLiteral("(d)") : doctor(d)),
-                      QVariant(day), QVariant(kFirstSlot + s * kSlotStep),
-                      QVariant(1 + (s + d + 1) % kSlotTypes)}) {
-                    slot.addBindValue(v);
+    {
+        bench::Rows templateSlots(
+            db,
+            QStringLiteral("Insert Into apptemplates (AppTempID, DoctorID, Day, "
+                           "TemplateTime, TimeSlot)"),
+            5);
+        int tempId = 0;
+        // The default template, then an own one for every even doctor; Monday (2) to Friday (6).
+        for (int d = -1; d < kDoctors; d += (d < 0 ? 1 : 2)) {
+            for (int day = 2; day <= 6; ++day) {
+                for (int s = 0; s < kTemplateSlots; ++s) {
+                    templateSlots.add({++tempId, d < 0 ? QStringLiteral("(d)") : doctor(d), day,
+                                       kFirstSlot + s * kSlotStep, 1 + (s + d + 1) % kSlotTypes});
                 }
-                slot.exec();
             }
         }
     }
-    QSqlQuery app(db.connection());
-    app.prepare(QStringLiteral(
-        "Insert Into appointments (AppID, PatientName, PatientPhone, AppDate, AppTime, AppLength,"
-        " SlotType, Notes, Status, PatientID, DoctorID, Deleted) Values "
-        "(?,?,?,?,?,?,?,?,?,?,?,0)"));
+    bench::Rows apps(db,
+                     QStringLiteral("Insert Into appointments (AppID, PatientName, PatientPhone, "
+                                    "AppDate, AppTime, AppLength, SlotType, Notes, Status, "
+                                    "PatientID, DoctorID, Deleted)"),
+                     12);
     qint64 appId = 0;
     const QDate last = kFirstDay.addYears(kYears);
     for (QDate day = kFirstDay; day < last; day = day.addDays(1)) {
@@ -97,50 +88,42 @@ void fill(Database& db) {
             const QString doc = doctor(d);
             for (int i = 0; i < kPerDay; ++i) {
                 ++appId;
-                app.bindValue(0, appId);
-                app.bindValue(1, QStringLiteral("Patient %1").arg(appId % 50000));
-                app.bindValue(2, QStringLiteral("555-0100"));
-                app.bindValue(3, iso);
-                app.bindValue(4, kFirstSlot + i * kSlotStep + (i % 5 == 4 ? 5 : 0));
-                app.bindValue(5, i % 7 == 3 ? 30 : 15);
-                app.bindValue(6, 1 + i % (kSlotTypes - 1));
-                app.bindValue(7, i % 3 ? QVariant() : QVariant(QStringLiteral("follow up")));
-                app.bindValue(8, i % 11 == 0 ? kStatusCancelled : 1 + i % 6);
-                app.bindValue(9, appId % 50000 + 1);
-                app.bindValue(10, doc);
-                app.exec();
+                apps.add({appId, QStringLiteral("Patient %1").arg(appId % 50000),
+                          QStringLiteral("555-0100"), iso,
+                          kFirstSlot + i * kSlotStep + (i % 5 == 4 ? 5 : 0), i % 7 == 3 ? 30 : 15,
+                          1 + i % (kSlotTypes - 1),
+                          i % 3 ? QVariant() : QVariant(QStringLiteral("follow up")),
+                          i % 11 == 0 ? kStatusCancelled : 1 + i % 6, appId % 50000 + 1, doc, 0});
             }
         }
     }
+    apps.flush();
     tx.commit();
-}
-
-// Every statement text the engine ran while tracing is on.
-int traced(unsigned, void* context, void* statement, void*) {
-    static_cast<QSet<QString>*>(context)->insert(
-        QString::fromUtf8(sqlite3_sql(static_cast<sqlite3_stmt*>(statement))));
-    return 0;
 }
 
 struct Timing {
     QList<double> ms;
     qint64 statements = 0;
-    QString line(const char* what) const {
+    void print(QTextStream& out, const char* what, const QString& more = {}) const {
         QList<double> sorted = ms;
         std::sort(sorted.begin(), sorted.end());
         double sum = 0;
         for (double m : sorted) {
             sum += m;
         }
-        return QStringLiteral(
+        const double mean = sum / sorted.size();
+        const double each = double(statements) / sorted.size();
+        out << QStringLiteral(
                    "%1: mean %2 ms, median %3 ms, worst %4 ms over %5 runs, %6 "
                    "statements each")
-            .arg(QLatin1String(what))
-            .arg(sum / sorted.size(), 0, 'f', 2)
-            .arg(sorted.at(sorted.size() / 2), 0, 'f', 2)
-            .arg(sorted.last(), 0, 'f', 2)
-            .arg(sorted.size())
-            .arg(double(statements) / sorted.size(), 0, 'f', 1);
+                   .arg(QLatin1String(what))
+                   .arg(mean, 0, 'f', 2)
+                   .arg(sorted.at(sorted.size() / 2), 0, 'f', 2)
+                   .arg(sorted.last(), 0, 'f', 2)
+                   .arg(sorted.size())
+                   .arg(each, 0, 'f', 1)
+            << more << "\n";
+        bench::step(out, QLatin1String(what), mean, each, QStringLiteral("run"));
     }
 };
 
@@ -179,7 +162,7 @@ int main(int argc, char** argv) {
     out << "office: " << db->scalar(QStringLiteral("Select Count(*) From appointments")).toInt()
         << " appointments of " << kDoctors << " doctors over " << kYears << " years, "
         << db->scalar(QStringLiteral("Select Count(*) From apptemplates")).toInt()
-        << " template slots, built in " << built << " ms\n";
+        << " template slots, built in " << built << " ms on " << bench::engine(*db) << "\n";
     out.flush();
     db->exec(QStringLiteral("Analyze"));
 
@@ -189,19 +172,18 @@ int main(int argc, char** argv) {
                             " 'QC' From appointments Where AppID<=?"),
              {kRuns});
 
-    QSet<QString> statements;
-    sqlite3_trace_v2(static_cast<sqlite3*>(db->nativeHandle()), SQLITE_TRACE_STMT, traced,
-                     &statements);
+    bench::StatementTrace trace(*db);
+    trace.start();
     int lines = 0;
     const Timing one = timed(
         *db, [&](int run) { lines += dayLines(*db, doctor(run % kDoctors), dayOf(run)).size(); });
-    out << one.line("one doctor's day") << " (" << lines / kRuns << " lines)\n";
+    one.print(out, "one doctor's day", QStringLiteral(" (%1 lines)").arg(lines / kRuns));
     const Timing six = timed(*db, [&](int run) {
         for (int d = 0; d < 6; ++d) {
             dayLines(*db, doctor((run + d) % kDoctors), dayOf(run));
         }
     });
-    out << six.line("six doctors' days side by side") << "\n";
+    six.print(out, "six doctors' days side by side");
 
     const SqlLog log{OfficePaths(folder), true};
     RecordingPrompter prompter;
@@ -223,16 +205,13 @@ int main(int argc, char** argv) {
             prompter.clear();
         };
     };
-    out << timed(*db, booking(8 * 60)).line("booking a free time with its overlap check") << "\n";
-    out << timed(*db, booking(kFirstSlot)).line("booking over another (double booking, Yes)")
-        << "\n";
-    sqlite3_trace_v2(static_cast<sqlite3*>(db->nativeHandle()), 0, nullptr, nullptr);
+    timed(*db, booking(8 * 60)).print(out, "booking a free time with its overlap check");
+    timed(*db, booking(kFirstSlot)).print(out, "booking over another (double booking, Yes)");
+    const QStringList statements = trace.stop();
 
     out << "\nplans of the statements run:\n";
     bool all = true;
-    QStringList sorted(statements.begin(), statements.end());
-    sorted.sort();
-    for (const QString& sql : sorted) {
+    for (const QString& sql : statements) {
         if (sql.startsWith(QLatin1String("Select"), Qt::CaseInsensitive) ||
             sql.startsWith(QLatin1String("Update"), Qt::CaseInsensitive)) {
             // The slot types are read whole by design: a few dozen rows at most.

@@ -2,6 +2,7 @@
 // about 15,000 items, of which one in twenty is held back by the cut-off, in two batches (two
 // specialties of one provider number, one of them at two locations). Prints the time and the
 // statements run per claim.
+#include "BenchOffice.h"
 #include "claims/ClaimStore.h"
 #include "foundation/AppSettings.h"
 #include "foundation/Clock.h"
@@ -16,7 +17,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 using namespace brimsett;
@@ -76,10 +76,9 @@ void fill(Database& db, const Clock& clock, const SqlLog& log) {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    QTemporaryDir dir;
-    const QString folder = dir.path() + QLatin1Char('/');
-    auto db = Database::createSqlite(folder + QStringLiteral("medical.mdb"));
-    schema::create(*db);
+    bench::Office office;
+    const QString folder = office.folder();
+    Database* db = office.db.get();
     FixedClock clock(QDateTime(QDate(2026, 11, 22), QTime(10, 0)));
     const SqlLog log{OfficePaths(folder), false};
     fill(*db, clock, log);
@@ -111,6 +110,9 @@ int main(int argc, char** argv) {
     out << "claim file " << file->fileName << ": " << file->batches.size() << " batches, " << claims
         << " claims, " << items << " items, " << QFileInfo(file->path).size() / 1024 << " KiB\n";
     out << "prepared in " << QString::number(ms, 'f', 0) << " ms; " << statements << " statements, "
-        << QString::number(double(statements) / kClaims, 'f', 4) << " per pending claim\n";
+        << QString::number(double(statements) / kClaims, 'f', 4) << " per pending claim on "
+        << bench::engine(*db) << "\n";
+    bench::step(out, QStringLiteral("claim file of 10,000 pending claims"), ms,
+                double(statements) / kClaims, QStringLiteral("claim"));
     return 0;
 }

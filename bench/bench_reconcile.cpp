@@ -26,7 +26,6 @@ constexpr int kClaims = 400000;
 constexpr int kAwaiting = 10000;  // the newest claims, not yet answered
 constexpr int kSplitEvery = 25;   // one awaiting claim in 25 has a part split off
 constexpr int kRemittanceItems = 5000;
-constexpr int kRowsPerInsert = 500;
 const QDate kFirstDay(2025, 11, 1);
 
 struct Code {
@@ -45,55 +44,28 @@ int itemsOf(int n) {
     return n % 2 ? 3 : 2;
 }
 
-// Multi-row inserts of literal values: the rows are the benchmark's own numbers.
-class Inserter {
-public:
-    Inserter(Database& db, QString head) : m_db(db), m_head(std::move(head)) {}
-    ~Inserter() { flush(); }
-    void add(const QString& row) {
-        m_rows << row;
-        if (m_rows.size() == kRowsPerInsert) {
-            flush();
-        }
-    }
-    void flush() {
-        if (!m_rows.isEmpty()) {
-            m_db.exec(m_head + m_rows.join(QLatin1Char(',')));
-            m_rows.clear();
-        }
-    }
-
-private:
-    Database& m_db;
-    QString m_head;
-    QStringList m_rows;
-};
-
 void fill(Database& db) {
     Transaction tx(db);
     db.exec(
         QStringLiteral("Insert Into doctors (DoctorID, GroupNum, ProviderNum, SpecCode, "
                        "MOHOffice) Values ('D1','0000','272278','00','J')"));
-    Inserter claims(db, QStringLiteral("Insert Into claims (ClaimID, AcctNum, BatchID, DoctorID, "
-                                       "PatientID, PayProg, HealthNum) Values "));
-    Inserter items(db, QStringLiteral("Insert Into items (ClaimID, ItemID, ServiceCode, DiagCode, "
-                                      "NumServ, FeeSubm, ServiceDate, FeePaid, Status) Values "));
+    bench::Rows claims(db,
+                       QStringLiteral("Insert Into claims (ClaimID, AcctNum, BatchID, "
+                                      "DoctorID, PatientID, PayProg, HealthNum)"),
+                       7);
+    bench::Rows items(db,
+                      QStringLiteral("Insert Into items (ClaimID, ItemID, ServiceCode, "
+                                     "DiagCode, NumServ, FeeSubm, ServiceDate, FeePaid, "
+                                     "Status)"),
+                      9);
     const auto item = [&](qint64 claim, int id, const Code& code, const QDate& day, bool paid) {
         const qint64 units = qint64(code.cents) * 100;
-        items.add(QStringLiteral("(%1,%2,'%3','401',1,%4,'%5',%6,%7)")
-                      .arg(claim)
-                      .arg(id)
-                      .arg(QLatin1String(code.code))
-                      .arg(units)
-                      .arg(day.toString(Qt::ISODate))
-                      .arg(paid ? QString::number(units) : QStringLiteral("NULL"))
-                      .arg(paid ? 2 : 0));
+        items.add({claim, id, QString::fromLatin1(code.code), QStringLiteral("401"), 1, units,
+                   day.toString(Qt::ISODate), paid ? QVariant(units) : QVariant(), paid ? 2 : 0});
     };
     const auto claim = [&](qint64 id, int n) {
-        claims.add(QStringLiteral("(%1,'%2','260101000001','D1',%3,'HCP - P','1234567897')")
-                       .arg(id)
-                       .arg(account(n))
-                       .arg(1 + n % 5000));
+        claims.add({id, account(n), QStringLiteral("260101000001"), QStringLiteral("D1"),
+                    1 + n % 5000, QStringLiteral("HCP - P"), QStringLiteral("1234567897")});
     };
     for (int n = 0; n < kClaims; ++n) {
         const bool awaiting = n >= kClaims - kAwaiting;
@@ -168,6 +140,8 @@ void timeReading(Database& db, const SqlLog& log, const QStringList& lines, cons
         << QString::number(double(statements) / kRemittanceItems, 'f', 2) << " per item (" << c.paid
         << " paid, " << c.rejected << " rejected, " << c.unmatched << " unmatched, "
         << c.alreadyRead << " read before)\n";
+    bench::step(out, QString::fromLatin1(what), ms, double(statements) / kRemittanceItems,
+                QStringLiteral("item"));
 }
 
 }  // namespace
@@ -181,7 +155,7 @@ int main(int argc, char** argv) {
     const qint64 built = office.fill([](Database& d) { fill(d); });
     out << "office: " << db->scalar(QStringLiteral("Select Count(*) From claims")).toInt()
         << " claims, " << db->scalar(QStringLiteral("Select Count(*) From items")).toInt()
-        << " items, built in " << built << " ms\n";
+        << " items, built in " << built << " ms on " << bench::engine(*db) << "\n";
     out.flush();
 
     const SqlLog log{OfficePaths(folder), true};

@@ -2,6 +2,7 @@
 // office database, then several times into the database that already holds it (the usual
 // case, which must stay well under a second). Without the samples folder a made-up file of
 // 7,200 codes in the long layout stands in for it.
+#include "BenchOffice.h"
 #include "claims/SobImport.h"
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
@@ -58,7 +59,8 @@ double timed(SobImport& import, const QString& file, int* processed) {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    QTemporaryDir dir;
+    bench::Office office;
+    QTemporaryDir& dir = office.dir;
     QString file =
         QStringLiteral(BRIMSETT_SAMPLES) + QStringLiteral("/sob_master_file_oct2013.txt");
     if (!QFile::exists(file)) {
@@ -67,19 +69,24 @@ int main(int argc, char** argv) {
     }
     out << "file: " << file << "\n";
 
-    auto db = Database::createSqlite(dir.path() + QStringLiteral("/medical.mdb"));
-    schema::create(*db);
+    Database* db = office.db.get();
     RecordingPrompter prompter;
     const SqlLog log(OfficePaths(dir.path() + QLatin1Char('/')), false);
     SobImport import(*db, prompter, log);
 
     int processed = 0;
+    qint64 before = db->statementCount();
     const double first = timed(import, file, &processed);
-    out << QStringLiteral("first import (empty table): %1 ms, %2 codes\n")
+    out << QStringLiteral("first import (empty table): %1 ms, %2 codes, %3 statements\n")
                .arg(first, 0, 'f', 1)
-               .arg(processed);
+               .arg(processed)
+               .arg(db->statementCount() - before);
+    bench::step(out, QStringLiteral("first import"), first,
+                double(db->statementCount() - before) / std::max(processed, 1),
+                QStringLiteral("code"));
 
     const int runs = 7;
+    before = db->statementCount();
     QList<double> again;
     for (int i = 0; i < runs; ++i) {
         again << timed(import, file, &processed);
@@ -90,6 +97,9 @@ int main(int argc, char** argv) {
                .arg(again.first(), 0, 'f', 1)
                .arg(again.at(runs / 2), 0, 'f', 1)
                .arg(again.last(), 0, 'f', 1);
+    bench::step(out, QStringLiteral("re-import (median)"), again.at(runs / 2),
+                double(db->statementCount() - before) / runs / std::max(processed, 1),
+                QStringLiteral("code"));
     if (prompter.messages().size() > 0) {
         out << "last message: " << prompter.last().text() << "\n";
     }
