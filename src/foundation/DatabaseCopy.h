@@ -1,13 +1,12 @@
 #pragma once
 
 #include "foundation/Database.h"
+#include "foundation/ServerValues.h"
 
 #include <QString>
 #include <QStringList>
-#include <QVariant>
 
 #include <functional>
-#include <optional>
 
 namespace brimsett {
 
@@ -33,24 +32,6 @@ struct CopyReport {
     qint64 rows() const;
     qint64 money() const;
 };
-
-// A column of the server's table as the copy fills it.
-struct TargetColumn {
-    enum class Kind { Integer, Real, Date, Moment, Text, Other };
-    Kind kind = Kind::Other;
-    qint64 minimum = 0;  // for integers
-    qint64 maximum = 0;
-    int length = -1;  // for text: the most characters the column holds, -1 for any
-
-    // From the server's own description (information_schema's data_type and length).
-    static TargetColumn of(const QString& dataType, const QVariant& maxLength);
-};
-
-// The office file's value as the server's column takes it; no value and `problem` saying
-// why ("'2026-13-01' is not a date") when it cannot hold it. Empty text in a column of
-// numbers or dates is NULL, as the program reads both alike.
-std::optional<QVariant> convertForServer(const QVariant& value, const TargetColumn& column,
-                                         QString* problem);
 
 // Copies an SQLite office database into an empty PostgreSQL database in one transaction of
 // the target: the current layout made by schema::create, then every table of the file

@@ -1,5 +1,5 @@
 #include "TestSupport.h"
-#include "foundation/DatabaseCopy.h"
+#include "foundation/ServerValues.h"
 
 #include <QtTest>
 
@@ -36,7 +36,7 @@ QString outcome(const QVariant& value, const TargetColumn& column) {
 
 }  // namespace
 
-class TestDatabaseCopy : public QObject {
+class TestServerValues : public QObject {
     Q_OBJECT
 
 private slots:
@@ -115,5 +115,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDatabaseCopy)
-#include "test_database_copy.moc"
+QTEST_GUILESS_MAIN(TestServerValues)
+#include "test_server_values.moc"
