@@ -325,7 +325,7 @@ private:
 inline void step(QTextStream& out, const QString& name, double ms, double statementsPerUnit,
                  const QString& unit) {
     out << "step\t" << name << '\t' << QString::number(ms, 'f', 1) << '\t'
-        << QString::number(statementsPerUnit, 'f', 2) << '\t' << unit << '\n';
+        << QString::number(statementsPerUnit, 'g', 3) << '\t' << unit << '\n';
 }
 
 inline QString engine(const Database& db) {
