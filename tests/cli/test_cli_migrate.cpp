@@ -218,20 +218,33 @@ private slots:
 
     void backupThenRestorePutsThePatientBack_data() {
         QTest::addColumn<bool>("onServer");
-        QTest::newRow("office file") << false;
-        QTest::newRow("server") << true;
+        QTest::addColumn<bool>("byService");
+        QTest::newRow("office file") << false << false;
+        QTest::newRow("server") << true << false;
+        QTest::newRow("server named by a libpq service") << true << true;
     }
     void backupThenRestorePutsThePatientBack() {
         QFETCH(bool, onServer);
+        QFETCH(bool, byService);
         if (onServer) {
             requireServer();
         }
         test::TempOffice office;
         std::unique_ptr<Database> server;
+        const auto unsetService = qScopeGuard([] { qunsetenv("PGSERVICEFILE"); });
         if (onServer) {
             server = office.emptyDatabase(QStringLiteral("office"));
-            office.store().save("General", kDbPath,
-                                office.databaseLocation(QStringLiteral("office")));
+            QString location = office.databaseLocation(QStringLiteral("office"));
+            if (byService) {
+                const QString database = location.section('/', 3).section('?', 0, 0);
+                test::writeText(office.file("pg_service.conf"),
+                                QStringLiteral("[office]\nhost=%1\nuser=postgres\ndbname=%2\n")
+                                    .arg(test::testServer(), database)
+                                    .toUtf8());
+                qputenv("PGSERVICEFILE", QFile::encodeName(office.file("pg_service.conf")));
+                location = QStringLiteral("service=office");
+            }
+            office.store().save("General", kDbPath, location);
             office.store().sync();
         }
         makeOffice(office, {"Insert Into patients (PatientID, LName) Values (7, 'O''Brien')"});
