@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
         }
     }
     out << "copied and verified " << report.rows() << " rows of " << report.tables.size()
-        << " tables in " << ms << " ms (" << beforeCommit << " ms to the counts, "
+        << " tables in " << ms << " ms (the commit " << ms - beforeCommit << " ms; "
         << qint64(report.rows() * 1000.0 / qMax<qint64>(ms, 1)) << " rows/s); "
         << server->statementCount() << " statements to the server; "
         << (report.equal() ? "every table equal" : "NOT EQUAL") << "\n";
