@@ -324,7 +324,7 @@ private:
 // statements per unit of work.
 inline void step(QTextStream& out, const QString& name, double ms, double statementsPerUnit,
                  const QString& unit) {
-    out << "step\t" << name << '\t' << QString::number(ms, 'f', 1) << '\t'
+    out << "step\t" << name << '\t' << QString::number(ms, 'f', ms < 10 ? 2 : 1) << '\t'
         << QString::number(statementsPerUnit, 'g', 3) << '\t' << unit << '\n';
 }
 

@@ -36,6 +36,14 @@ stop() {
 }
 trap stop EXIT
 "$root/tools/pg-test-server.sh" start "$server" >/dev/null
+# A round trip to the server waits for two processes to be scheduled, an SQLite call for none:
+# on a computer busy with other work both engines run ahead of it (root only), or the server
+# is measured mostly waiting its turn.
+nice=()
+if [ "$(id -u)" = 0 ]; then
+    renice -n -10 -p "$(head -n 1 "$server/data/postmaster.pid")" >/dev/null
+    nice=(nice -n -10)
+fi
 
 # Each program prints "step<TAB>name<TAB>ms<TAB>statements per unit<TAB>unit" per measured step.
 for ((round = 1; round <= runs; round++)); do
@@ -44,9 +52,9 @@ for ((round = 1; round <= runs; round++)); do
             echo "round $round: $b on $engine" >&2
             out=$work/$b.$engine.$round.txt
             if [ $engine = SQLite ]; then
-                (cd "$work" && "$build/bench/bench_$b" >"$out" 2>&1) || true
+                (cd "$work" && "${nice[@]}" "$build/bench/bench_$b" >"$out" 2>&1) || true
             else
-                (cd "$work" && BRIMSETT_BENCH_PG=$server "$build/bench/bench_$b" >"$out" 2>&1) ||
+                (cd "$work" && BRIMSETT_BENCH_PG=$server "${nice[@]}" "$build/bench/bench_$b" >"$out" 2>&1) ||
                     true
             fi
             if grep -q "DOES NOT USE AN INDEX" "$out"; then
@@ -83,4 +91,4 @@ awk -F'\t' '
                 unit[key], flag
         }
     }' "$work/steps.tsv"
-echo "($runs round(s), best time of each step; $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg))"
+echo "($runs round(s), best time of each step; $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)${nice:+, nice -10})"
