@@ -154,14 +154,15 @@ void makeBeyondLayout(Database& target, const TableCopy& table, CopyReport& repo
 
 QMap<QString, TargetColumn> targetColumns(Database& target, const QString& table) {
     QSqlQuery q = target.exec(
-        QStringLiteral("SELECT column_name, data_type, character_maximum_length "
+        QStringLiteral("SELECT column_name, data_type, character_maximum_length, is_nullable "
                        "FROM information_schema.columns WHERE table_schema = current_schema() "
                        "AND lower(table_name) = lower(?)"),
         {table}, QStringLiteral("reading the columns of %1 on the server").arg(table));
     QMap<QString, TargetColumn> columns;
     while (q.next()) {
-        columns.insert(q.value(0).toString().toLower(),
-                       TargetColumn::of(q.value(1).toString(), q.value(2)));
+        TargetColumn column = TargetColumn::of(q.value(1).toString(), q.value(2));
+        column.required = q.value(3).toString() == QLatin1String("NO");
+        columns.insert(q.value(0).toString().toLower(), column);
     }
     return columns;
 }

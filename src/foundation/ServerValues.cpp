@@ -54,15 +54,18 @@ TargetColumn TargetColumn::of(const QString& dataType, const QVariant& maxLength
 
 std::optional<QVariant> convertForServer(const QVariant& value, const TargetColumn& column,
                                          QString* problem) {
-    if (!value.isValid() || value.isNull()) {
-        return QVariant();
-    }
-    const int type = value.typeId();
+    const bool isNull = !value.isValid() || value.isNull();
+    const int type = isNull ? QMetaType::UnknownType : value.typeId();
     const bool isText = type == QMetaType::QString;
     const QString text = isText ? value.toString().trimmed() : QString();
     const QString quoted = QLatin1Char('\'') + shown(value.toString()) + QLatin1Char('\'');
-    if (isText && text.isEmpty() && column.kind != TargetColumn::Kind::Text &&
-        column.kind != TargetColumn::Kind::Other) {
+    if (isNull || (isText && text.isEmpty() && column.kind != TargetColumn::Kind::Text &&
+                   column.kind != TargetColumn::Kind::Other)) {
+        // An old file may lack a NOT NULL the layout has; the row is named rather than the
+        // server's constraint.
+        if (column.required) {
+            return refuse(problem, QStringLiteral("no value, and the server's column needs one"));
+        }
         return QVariant();
     }
     switch (column.kind) {

@@ -13,7 +13,8 @@ struct TargetColumn {
     Kind kind = Kind::Other;
     qint64 minimum = 0;  // for integers
     qint64 maximum = 0;
-    int length = -1;  // for text: the most characters the column holds, -1 for any
+    int length = -1;        // for text: the most characters the column holds, -1 for any
+    bool required = false;  // NOT NULL
 
     // From the server's own description (information_schema's data_type and length).
     static TargetColumn of(const QString& dataType, const QVariant& maxLength);

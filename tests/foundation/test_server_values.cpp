@@ -102,6 +102,12 @@ private slots:
             "text '" + QByteArray(300, 'a') + "'");
         add("nul character", "character varying", 10, QStringLiteral("a") + QChar(0),
             "refused: the text holds a NUL character, which the server does not store");
+        add("no value where one is needed", "integer not null", -1, QVariant(),
+            "refused: no value, and the server's column needs one");
+        add("empty number where one is needed", "bigint not null", -1, QStringLiteral(" "),
+            "refused: no value, and the server's column needs one");
+        add("empty text where text is needed", "character varying not null", 3, QStringLiteral(""),
+            "text ''");
         add("binary in text", "character varying", 10, QByteArray("\x01\x02"),
             "refused: binary data is not text");
     }
@@ -110,8 +116,11 @@ private slots:
         QFETCH(int, length);
         QFETCH(QVariant, value);
         QFETCH(QString, expected);
-        QCOMPARE(outcome(value, TargetColumn::of(dataType, length < 0 ? QVariant() : length)),
-                 expected);
+        const QString notNull = QStringLiteral(" not null");
+        TargetColumn column =
+            TargetColumn::of(QString(dataType).remove(notNull), length < 0 ? QVariant() : length);
+        column.required = dataType.endsWith(notNull);
+        QCOMPARE(outcome(value, column), expected);
     }
 };
 
