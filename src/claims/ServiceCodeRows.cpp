@@ -96,7 +96,7 @@ ServiceCodeRows::Change ServiceCodeRows::write(const SobLine& line, QStringList*
         builder.addField(QStringLiteral("MaximumAge"), 999, Kind::Number);
         builder.addField(QStringLiteral("Sex"), QStringLiteral("B"), Kind::Text);
         const auto bound = builder.boundInsert();
-        run(bound.sql, bound.values, QStringLiteral("adding code ") + line.code);
+        add(bound.sql, bound.values, line.code);
         if (logged) {
             *logged << builder.finishInsert();
         }
@@ -128,6 +128,7 @@ ServiceCodeRows::Change ServiceCodeRows::write(const SobLine& line, QStringList*
     builder.addField(QStringLiteral("DateStart"), line.dateStart, Kind::Text);
     builder.addField(QStringLiteral("DateTerm"), line.dateTerm, Kind::Text);
     const auto bound = builder.boundUpdate(QStringLiteral("ServiceCode=?"), {row.key});
+    flush();  // the code may be one this file added
     run(bound.sql, bound.values, QStringLiteral("updating code ") + row.key);
     if (logged) {
         *logged << builder.finishUpdate(QStringLiteral("ServiceCode=") +
@@ -135,6 +136,40 @@ ServiceCodeRows::Change ServiceCodeRows::write(const SobLine& line, QStringList*
     }
     row = wanted;
     return Change::Updated;
+}
+
+// New codes on a server go a few hundred to a statement, one round trip each; a file takes
+// them one at a time through the prepared statement, quicker there than a long statement.
+void ServiceCodeRows::add(const QString& sql, const QVariantList& values, const QString& code) {
+    if (!m_db.onServer()) {
+        run(sql, values, QStringLiteral("adding code ") + code);
+        return;
+    }
+    m_pendingInsert = sql;
+    m_pendingValues << values;
+    m_pendingCodes << code;
+    if (m_pendingCodes.size() == kRowsPerInsert) {
+        flush();
+    }
+}
+
+void ServiceCodeRows::flush() {
+    if (m_pendingCodes.isEmpty()) {
+        return;
+    }
+    const QString values = QStringLiteral(" Values");
+    const qsizetype at = m_pendingInsert.lastIndexOf(values + QLatin1Char('('));
+    QStringList rows;
+    rows.fill(m_pendingInsert.mid(at + values.size()), m_pendingCodes.size());
+    const QString doing = m_pendingCodes.size() == 1
+                              ? QStringLiteral("adding code ") + m_pendingCodes.first()
+                              : QStringLiteral("adding codes %1 to %2")
+                                    .arg(m_pendingCodes.first(), m_pendingCodes.last());
+    const QVariantList bound = m_pendingValues;
+    m_pendingValues.clear();
+    m_pendingCodes.clear();
+    m_db.exec(m_pendingInsert.left(at) + values + QLatin1Char(' ') + rows.join(QLatin1Char(',')),
+              bound, doing);
 }
 
 QSqlQuery& ServiceCodeRows::prepared(const QString& sql) {

@@ -24,6 +24,8 @@ public:
     // dates where they differ from the row's. A fee column holding a negative amount is left
     // as it is. The statement's text is appended to `logged` when something was written.
     Change write(const SobLine& line, QStringList* logged);
+    // Writes the new codes still held back; before the caller commits.
+    void flush();
 
 private:
     struct Stored {
@@ -36,10 +38,15 @@ private:
     static Stored storedOf(const SobLine& line, const QString& key);
     QSqlQuery& prepared(const QString& sql);
     void run(const QString& sql, const QVariantList& values, const QString& doing);
+    void add(const QString& sql, const QVariantList& values, const QString& code);
 
     Database& m_db;
     QHash<QString, Stored> m_rows;
     QHash<QString, QSqlQuery> m_statements;
+    static constexpr int kRowsPerInsert = 500;
+    QString m_pendingInsert;
+    QVariantList m_pendingValues;
+    QStringList m_pendingCodes;
 };
 
 }  // namespace brimsett

@@ -82,6 +82,7 @@ SobImport::Result SobImport::run(const QString& fileName) {
         if (m_progress && !m_progress(total, total)) {
             return {};
         }
+        rows.flush();
         transaction.commit();
     } catch (const DbError& e) {
         m_prompter.error({QStringLiteral("The schedule of benefits was not updated; nothing was "

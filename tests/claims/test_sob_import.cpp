@@ -160,6 +160,17 @@ private slots:
         QCOMPARE(test::readText(o.log.path()).count("\r\n"), 2);
     }
 
+    // A code the file names twice is added by its first line and changed by its second.
+    void aCodeNamedTwice() {
+        Office o;
+        const QString file = sobLine("B100", "20120401", "99999999", {1000, 0, 0, 0, 0}) + "\r\n" +
+                             sobLine("B200", "20120401", "99999999", {2000, 0, 0, 0, 0}) + "\r\n" +
+                             sobLine("B100", "20130401", "99999999", {1100, 0, 0, 0, 0}) + "\r\n";
+        QCOMPARE(o.import(file).processed, 3);
+        QCOMPARE(o.rows("ServiceCode, FeeGeneral, DateStart"),
+                 QStringList({"B100|110000|2013-04-01", "B200|200000|2012-04-01"}));
+    }
+
     // Read within bounds (proven with the bounded reader): a device is not read at all.
     void refusesADevice() {
         Office o;
