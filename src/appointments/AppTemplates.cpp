@@ -59,7 +59,8 @@ QList<TemplateSlot> templateRows(Database& db, const QString& doctorId, int day)
     QList<TemplateSlot> rows;
     QSqlQuery q = db.exec(QStringLiteral("Select AppTempID, DoctorID, Day, TemplateTime, TimeSlot "
                                          "From apptemplates Where DoctorID=? And Day=? "
-                                         "Order By TemplateTime, AppTempID"),
+                                         "Order By TemplateTime Is Null Desc, TemplateTime, "
+                                         "AppTempID"),
                           {doctorId, day}, QStringLiteral("reading the template of ") + doctorId);
     while (q.next()) {
         rows << TemplateSlot{q.value(0).toInt(), q.value(1).toString(), q.value(2).toInt(),

@@ -37,9 +37,12 @@ public:
     // Writes every stored field of an existing row back.
     void update(const Appointment& appointment, QStringList& logLines);
 
-    // The book's order of a day's rows.
+    // The book's order of a day's rows; a missing time or length sorts as the smallest on
+    // every engine (a server would put it at the other end).
     static QString bookOrder() {
-        return QStringLiteral(" Order By AppTime Asc,AppLength Desc,AppID Asc");
+        return QStringLiteral(
+            " Order By A.AppTime Is Null Desc,A.AppTime Asc,A.AppLength Is Null,A.AppLength Desc,"
+            "A.AppID Asc");
     }
 
 private:

@@ -180,8 +180,11 @@ QList<MenuEntry> loadMenu(Database& db) {
     if (db.scalar(QStringLiteral("Select Count(*) From menus"), {}, doing).toLongLong() == 0) {
         return defaultMenu();
     }
+    // A missing number sorts first on every engine, as SQLite puts it.
     QSqlQuery q =
-        db.exec(QStringLiteral("Select * From menus Order By SubMenuID,MenuPosition"), {}, doing);
+        db.exec(QStringLiteral("Select * From menus Order By SubMenuID Is Null Desc,SubMenuID,"
+                               "MenuPosition Is Null Desc,MenuPosition"),
+                {}, doing);
     const QSqlRecord r = q.record();
     // Field names are looked up without regard to case, as the old engine did.
     const int menuId = r.indexOf(QStringLiteral("MenuID"));

@@ -19,7 +19,9 @@ constexpr int kLastNameFirstSwitch = 8;
 const QString kSelect = QStringLiteral(
     "Select PatientID, FName, LName, HealthNum, VersionCode, DOB, HPhone, WPhone"
     " From patients Where");
-const QString kOrder = QStringLiteral(" Order By Lower(LName), Lower(FName), PatientID");
+// A missing name sorts first on every engine (a server would put it last).
+const QString kOrder = QStringLiteral(
+    " Order By LName Is Null Desc, Lower(LName), FName Is Null Desc, Lower(FName), PatientID");
 
 enum Column { Id, FName, LName, HealthNum, VersionCode, Dob, HPhone, WPhone };
 

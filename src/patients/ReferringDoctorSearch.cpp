@@ -44,7 +44,11 @@ ReferringDoctorMatches ReferringDoctorSearch::find(const QString& typed) {
     if (!conditions.isEmpty()) {
         statement += QStringLiteral(" Where") + conditions.join(QStringLiteral(" And"));
     }
-    statement += QStringLiteral(" Order By LName, FName, ProviderNum Limit %1").arg(kLimit + 1);
+    // A missing name sorts first on every engine (a server would put it last).
+    statement += QStringLiteral(
+                     " Order By LName Is Null Desc, LName, FName Is Null Desc, FName, ProviderNum "
+                     "Limit %1")
+                     .arg(kLimit + 1);
 
     ReferringDoctorMatches matches;
     QSqlQuery q = m_db.exec(statement, values, QStringLiteral("searching the referring doctors"));

@@ -200,6 +200,22 @@ private slots:
         QCOMPARE(requested, QStringList{"1234567897AB"});  // only when the check is on
     }
 
+    // A missing time or length sorts as the smallest on either engine: a longer appointment
+    // before a shorter one at the same time.
+    void dayOrderKeepsMissingValuesFirst() {
+        Office o;
+        o.db->exec(QStringLiteral(
+            "Insert Into appointments (AppID, DoctorID, AppDate, AppTime, AppLength) Values"
+            " (1,'01','2026-11-25',540,15), (2,'01','2026-11-25',540,NULL),"
+            " (3,'01','2026-11-25',540,30), (4,'01','2026-11-25',NULL,15),"
+            " (5,'01','2026-11-25',480,15), (6,'02','2026-11-25',NULL,15)"));
+        QList<qint64> ids;
+        for (const Appointment& a : AppointmentStore(*o.db).day("01", QDate(2026, 11, 25))) {
+            ids << a.appId;
+        }
+        QCOMPARE(ids, (QList<qint64>{4, 5, 3, 1, 2}));
+    }
+
     void statusLettersAndNames() {
         QCOMPARE(statusForLetter(u' ').value_or(-1), 0);
         QCOMPARE(statusForLetter(u'o').value_or(-1), 1);

@@ -30,6 +30,8 @@ struct SearchOffice : test::PatientTestOffice {
                 " HPhone, WPhone, DOB) Values(?,?,?,?,?,?,?,'1970-01-02')",
                 {r[0].toInt(), r[1], r[2], r[3], r[4], r[5], r[6]});
         }
+        // No first name: before the others of the same name, on either engine.
+        db->exec("Insert Into patients (PatientID, LName, HealthNum) Values (6, 'Smith', '3')");
     }
     PatientSearch search() { return PatientSearch(*db, settings); }
 };
@@ -45,10 +47,10 @@ private slots:
         QTest::addColumn<QString>("first");
         QTest::addColumn<bool>("wholeText");
         QTest::addColumn<QList<qint64>>("ids");
-        test::row("prefix, any case, by name", "smith", "", false, QList<qint64>{5, 1, 2});
-        test::row("whole text (switch 7)", "Smith", "", true, QList<qint64>{5, 1});
-        test::row("one-character wildcard", "Sm?th", "", false, QList<qint64>{5, 1, 3});
-        test::row("any-text wildcard", "*th", "", true, QList<qint64>{5, 1, 3});
+        test::row("prefix, any case, by name", "smith", "", false, QList<qint64>{6, 5, 1, 2});
+        test::row("whole text (switch 7)", "Smith", "", true, QList<qint64>{6, 5, 1});
+        test::row("one-character wildcard", "Sm?th", "", false, QList<qint64>{6, 5, 1, 3});
+        test::row("any-text wildcard", "*th", "", true, QList<qint64>{6, 5, 1, 3});
         test::row("first name too", "Smith", "J", false, QList<qint64>{1});
         test::row("apostrophe", "o'b", "", false, QList<qint64>{4});
         test::row("nobody", "Zed", "", false, QList<qint64>{});
@@ -98,7 +100,7 @@ private slots:
         QCOMPARE(byId.rows.first().name, QStringLiteral("Ann smithers"));
         QCOMPARE(byId.rows.first().healthNumber, QStringLiteral("1231231234"));
         QCOMPARE(byId.rows.first().phone, QStringLiteral("905-555-1234"));  // no home phone
-        QVERIFY(o.search().byId(6).rows.isEmpty());
+        QVERIFY(o.search().byId(7).rows.isEmpty());
     }
 
     void listIsCapped() {

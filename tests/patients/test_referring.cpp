@@ -22,6 +22,8 @@ struct Office : test::OfficeFixture {
             db->exec("Insert Into DoctorsOther (ProviderNum, LName, FName) Values (?, ?, ?)",
                      {r[0], r[1], r[2]});
         }
+        // No first name: before the others of the same name, on either engine.
+        db->exec("Insert Into DoctorsOther (ProviderNum, LName) Values ('550007', 'Smith')");
         db->exec(
             "Insert Into Patients (PatientID, RefDoc, FamDoc) Values "
             "(1, '550001', '123456'), (2, '123456', '550001'), (3, '550002', NULL)");
@@ -48,20 +50,21 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<bool>("wholeText");
         QTest::addColumn<QStringList>("numbers");
-        row("name prefix, any case", "smith", false, QStringList{"550001", "220000", "551234"});
-        row("whole name with switch 7", "Smith", true, QStringList{"550001"});
-        row("one-character wildcard", "Sm?th", false, QStringList{"550001", "550002"});
+        row("name prefix, any case", "smith", false,
+            QStringList{"550007", "550001", "220000", "551234"});
+        row("whole name with switch 7", "Smith", true, QStringList{"550007", "550001"});
+        row("one-character wildcard", "Sm?th", false, QStringList{"550007", "550001", "550002"});
         row("any-text wildcard", "Sm*s", false, QStringList{"551234"});
         row("last, first", "smith, k", false, QStringList{"551234"});
         row("last, first with a wildcard", "s*, ?nna", false, QStringList{"550002"});
         row("a quote in the name", "o'b", false, QStringList{"550003"});
         row("percent matches only itself", "smith%", false, QStringList{"220000"});
         row("number prefix, ordered by name", "55", false,
-            QStringList{"550003", "550001", "551234", "550002"});
+            QStringList{"550003", "550007", "550001", "551234", "550002"});
         row("number with a wildcard", "55?2*", false, QStringList{"551234"});
         row("whole number", "123456", true, QStringList{"123456"});
         row("nothing typed", "", false,
-            QStringList{"123456", "550003", "550001", "220000", "551234", "550002"});
+            QStringList{"123456", "550003", "550007", "550001", "220000", "551234", "550002"});
         row("nobody", "Zed", false, QStringList{});
     }
     void search() {
