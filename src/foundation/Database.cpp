@@ -390,11 +390,19 @@ QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
     const auto failed = [&](const QSqlError& e) {
         DbError error = errorOf(*m_dialect, doing, statement, e);
         if (connectionLost()) {
-            error = DbError(doing, statement,
-                            QStringLiteral("The connection to the database server was lost (%1). "
-                                           "What was being saved was not saved; please try again.")
-                                .arg(error.engineText()),
-                            error.engineCode());
+            // Lost while committing, the server may have saved it all before the answer was
+            // lost: the user looks before saving again.
+            const bool committing =
+                statement.compare(QLatin1String("COMMIT"), Qt::CaseInsensitive) == 0;
+            error = DbError(
+                doing, statement,
+                QStringLiteral("The connection to the database server was lost (%1). ")
+                        .arg(error.engineText()) +
+                    (committing ? QStringLiteral("It is not known whether this was saved; please "
+                                                 "look before saving it again.")
+                                : QStringLiteral("What was being saved was not saved; please try "
+                                                 "again.")),
+                error.engineCode());
             // The next action starts on a new connection; this one's transaction is gone.
             if (m_depth == 0) {
                 reconnect();

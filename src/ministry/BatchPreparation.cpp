@@ -101,6 +101,7 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
     std::optional<int> counter;
     bool recorded = false;
     bool placed = false;
+    bool committing = false;
     try {
         // The write lock is taken here and held to the commit: the file's name, the file and
         // its batches are made by one preparation at a time.
@@ -160,8 +161,14 @@ std::optional<PreparedFile> BatchPreparation::prepare(const PrepareRequest& requ
         }
         placed = true;
         killpoints::reach("claimfile-placed");
+        committing = true;
         tx.commit();
     } catch (...) {
+        // A commit whose answer was lost may have saved the batch: the file and its record
+        // stay for the next preparation, which keeps them with their batch or sets them aside.
+        if (committing) {
+            throw;
+        }
         if (placed) {
             QFile::remove(file.path);
         }
