@@ -84,7 +84,7 @@ private slots:
         QCOMPARE(problem.isEmpty(), bool(address));
         // Only the texts that parse as an address count as naming a server, save a file path.
         QCOMPARE(ServerAddress::names(location), !location.startsWith(QLatin1Char('/')));
-        if (address && !address->database.isEmpty()) {
+        if (address) {
             // Another database at the same place keeps everything else.
             const auto moved =
                 ServerAddress::parse(address->withDatabase(QStringLiteral("t 2")), nullptr);
