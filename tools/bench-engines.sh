@@ -51,12 +51,10 @@ for ((round = 1; round <= runs; round++)); do
         for engine in SQLite PostgreSQL; do
             echo "round $round: $b on $engine" >&2
             out=$work/$b.$engine.$round.txt
-            if [ $engine = SQLite ]; then
-                (cd "$work" && "${nice[@]}" "$build/bench/bench_$b" >"$out" 2>&1) || true
-            else
-                (cd "$work" && BRIMSETT_BENCH_PG=$server "${nice[@]}" "$build/bench/bench_$b" >"$out" 2>&1) ||
-                    true
-            fi
+            pg=
+            if [ $engine = PostgreSQL ]; then pg=$server; fi
+            (cd "$work" && BRIMSETT_BENCH_PG=$pg "${nice[@]}" "$build/bench/bench_$b" >"$out" 2>&1) ||
+                true
             if grep -q "DOES NOT USE AN INDEX" "$out"; then
                 echo "  $b on $engine: some statement does not use an index (see below)" >&2
                 grep -B1 -A6 "DOES NOT USE AN INDEX" "$out" >&2 || true
