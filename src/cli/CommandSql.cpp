@@ -2,6 +2,8 @@
 
 #include <QSqlRecord>
 
+#include <optional>
+
 #include <sqlite3.h>
 
 namespace brimsett {
@@ -40,16 +42,40 @@ bool mayChange(Database& db, const QString& statement) {
     return !readOnly;
 }
 
+// Where the engine has read-only transactions it is asked by running the statement in one:
+// what it runs there changed nothing; a refusal means the statement would change data.
+std::optional<QSqlQuery> runReadOnly(Database& db, const QString& statement) {
+    const QString begin = db.dialect().beginReadOnly();
+    if (begin.isEmpty() || db.transactionDepth() > 0) {
+        return std::nullopt;
+    }
+    const QString doing = QStringLiteral("running the statement");
+    db.exec(begin, {}, doing);
+    try {
+        QSqlQuery q = db.exec(statement, {}, doing);
+        db.exec(QStringLiteral("COMMIT"), {}, doing);
+        return q;
+    } catch (const DbError& e) {
+        db.exec(QStringLiteral("ROLLBACK"), {}, doing);
+        if (db.dialect().isChangeRefused(e.engineCode())) {
+            return std::nullopt;
+        }
+        throw;
+    }
+}
+
 int sql(CliSession& session, const CliArgs& args) {
     if (!session.open()) {
         return fail(QStringLiteral("the database is not available"));
     }
     const QString statement = args.argument(0);
+    std::optional<QSqlQuery> ran = runReadOnly(session.db(), statement);
     // Changing data by hand is the Master's, as the options screen; reading is for everyone.
-    if (mayChange(session.db(), statement) && !session.require(AccessLevels::kMaster)) {
+    if (!ran && mayChange(session.db(), statement) && !session.require(AccessLevels::kMaster)) {
         return 1;
     }
-    QSqlQuery q = session.db().exec(statement, {}, QStringLiteral("running the statement"));
+    QSqlQuery q = ran ? std::move(*ran)
+                      : session.db().exec(statement, {}, QStringLiteral("running the statement"));
     if (!q.isSelect()) {
         session.out() << q.numRowsAffected() << " row(s) changed\n";
         return 0;

@@ -386,7 +386,9 @@ QSqlQuery Database::exec(const QString& statement, const QVariantList& values,
     ++m_statements;
     killpoints::statement();
     QSqlQuery q(m_db);
-    q.setForwardOnly(true);
+    // The server's driver reads a forward-only result a row at a time from the connection, and
+    // drops the rows not yet read when another statement runs; a whole result is read at once.
+    q.setForwardOnly(!onServer());
     const auto failed = [&](const QSqlError& e) {
         DbError error = errorOf(*m_dialect, doing, statement, e);
         if (connectionLost()) {

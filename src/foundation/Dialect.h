@@ -51,6 +51,14 @@ public:
 
     // Whether the engine's error code says another writer held its lock past the wait.
     virtual bool isBusy(const QString& nativeCode) const = 0;
+
+    // The statement that begins a transaction in which the engine refuses every change, and
+    // whether an error code is that refusal; empty where the engine has no such transaction.
+    virtual QString beginReadOnly() const { return {}; }
+    virtual bool isChangeRefused(const QString& nativeCode) const {
+        Q_UNUSED(nativeCode);
+        return false;
+    }
 };
 
 class SqliteDialect : public Dialect {
@@ -84,6 +92,10 @@ public:
     QString caseInsensitiveLike() const override { return QStringLiteral(" ILIKE "); }
     void prepareConnection(QSqlDatabase& db) const override;
     bool isBusy(const QString& nativeCode) const override;
+    QString beginReadOnly() const override { return QStringLiteral("BEGIN READ ONLY"); }
+    bool isChangeRefused(const QString& nativeCode) const override {
+        return nativeCode == QLatin1String("25006");
+    }
 
     // The advisory lock key every writer of an office takes.
     static constexpr qint64 kWriteLock = 0x4272696d73657474;  // "Brimsett"
