@@ -166,19 +166,10 @@ int main(int argc, char** argv) {
     // A claim awaiting payment with its split part.
     const int n = kClaims - kAwaiting;
     const QVariantList both{kFirstClaimId + n, kFirstSplitClaimId + n};
-    const char* names[] = {"item query 1 (date, fee, open, code)",
-                           "item query 2 (date, open, code)", "item query 3 (date, fee, open)",
-                           "item query 4 (date, fee, code)"};
     const auto explain = [&](const char* name, const remittance::query::Statement& s) {
         return bench::explain(*db, QString::fromLatin1(name), s.sql, out);
     };
     bool all = explain("claims of an account", remittance::query::claimsOfAccount(account(n)));
-    for (int which = 0; which < remittance::query::kItemQueries; ++which) {
-        all = explain(names[which],
-                      remittance::query::item(which, both, dayOf(n), Money::fromCents(3370),
-                                              QStringLiteral("A007A"))) &&
-              all;
-    }
-    all = explain("split partners", remittance::query::partners({kFirstSplitClaimId + n})) && all;
+    all = explain("items of the account's claims", remittance::query::itemsOfClaims(both)) && all;
     return all ? 0 : 1;
 }

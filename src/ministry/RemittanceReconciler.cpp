@@ -29,15 +29,50 @@ struct OfficeClaim {
     bool changed = false;
 };
 
-// An item one of the matching queries found.
-struct Found {
-    qint64 claimId = 0;
-    int itemId = 0;
-    std::optional<Money> feeSubm;
-    std::optional<Money> feePaid;
-    int status = 0;
-    QString errors;
+// An item of the header's claims, read once for the header and kept as the database has it
+// while its lines are answered.
+struct OfficeItem {
+    ItemRecord row;
+    bool hasStatus = false;  // a NULL status is neither open nor closed to the matching
+    QVariant storedDate;     // ServiceDate as stored, for the matching's exact comparison
 };
+
+// The service date as an equality of the stored value with the date would find it.
+bool sameStoredDate(const QVariant& stored, const QDate& date) {
+    if (!stored.isValid() || stored.isNull()) {
+        return false;
+    }
+    if (stored.typeId() == QMetaType::QDate) {
+        return stored.toDate() == date;
+    }
+    if (stored.typeId() == QMetaType::QDateTime) {
+        return stored.toDateTime() == date.startOfDay();
+    }
+    return stored.toString() == date.toString(Qt::ISODate);
+}
+
+// The matchings in the order they are tried, most exact first; an item already paid or closed
+// is found again only by the last.
+constexpr int kMatchings = 4;
+bool matches(int which, const OfficeItem& office, const Item& item) {
+    const ItemRecord& r = office.row;
+    if (!sameStoredDate(office.storedDate, item.serviceDate)) {
+        return false;
+    }
+    const bool fee = r.feeSubm && *r.feeSubm == *item.submitted;
+    const bool open = office.hasStatus && r.status != 2 && r.status != 3;
+    const bool code = r.serviceCode == item.serviceCode;
+    switch (which) {
+        case 0:
+            return fee && open && code;
+        case 1:
+            return open && code;
+        case 2:
+            return fee && open;
+        default:
+            return fee && code;
+    }
+}
 
 bool holdsReference(const QString& ra, const QString& reference) {
     return ra.split(QLatin1Char('!')).contains(reference);
@@ -54,8 +89,8 @@ public:
 
 private:
     void readClaims(const QString& account);
-    std::optional<Found> find(const Item& item);
-    ItemOutcome answer(const Claim& header, const Item& item, const Found& found);
+    OfficeItem* find(const Item& item);
+    ItemOutcome answer(const Claim& header, const Item& item, OfficeItem& found);
     void answerPartners(const Item& item, qint64 claimId, int status, const QString& errors);
     void run(SqlStatementBuilder& b, const QString& condition, const QVariantList& values,
              const QString& logCondition);
@@ -64,6 +99,7 @@ private:
     QString m_reference;
     ReconcileOptions m_options;
     QList<OfficeClaim> m_claims;
+    QList<OfficeItem> m_items;            // of m_claims
     QSet<qint64> m_referenceAdded;        // claims whose `RA` this reading extended
     QSet<QPair<qint64, int>> m_answered;  // items an earlier line of the file answered
     QStringList m_logLines;
@@ -71,43 +107,46 @@ private:
 
 void Reconciler::readClaims(const QString& account) {
     m_claims.clear();
+    m_items.clear();
     if (account.isEmpty()) {
         return;  // a claim without an account number is no one's
     }
     const query::Statement claims = query::claimsOfAccount(account);
-    QSqlQuery q = m_db.exec(claims.sql, claims.values,
-                            QStringLiteral("finding the claims of account ") + account);
+    QVariantList ids;
+    {
+        QSqlQuery q = m_db.exec(claims.sql, claims.values,
+                                QStringLiteral("finding the claims of account ") + account);
+        while (q.next()) {
+            m_claims << OfficeClaim{q.value(0).toLongLong(), q.value(1).toString(),
+                                    q.value(2).toString()};
+            ids << m_claims.last().id;
+        }
+    }
+    if (ids.isEmpty()) {
+        return;
+    }
+    const query::Statement items = query::itemsOfClaims(ids);
+    QSqlQuery q = m_db.exec(items.sql, items.values,
+                            QStringLiteral("finding the items of account ") + account);
     while (q.next()) {
-        m_claims << OfficeClaim{q.value(0).toLongLong(), q.value(1).toString(),
-                                q.value(2).toString()};
+        const QSqlRecord record = q.record();
+        const int status = record.indexOf(QStringLiteral("Status"));
+        m_items << OfficeItem{ItemRecord::fromRecord(record), status >= 0 && !record.isNull(status),
+                              record.value(QStringLiteral("ServiceDate"))};
     }
 }
 
-std::optional<Found> Reconciler::find(const Item& item) {
-    QVariantList ids;
-    for (const OfficeClaim& c : m_claims) {
-        ids << c.id;
-    }
-    for (int which = 0; which < query::kItemQueries; ++which) {
-        const query::Statement find =
-            query::item(which, ids, item.serviceDate, *item.submitted, item.serviceCode);
-        QSqlQuery q = m_db.exec(find.sql, find.values,
-                                QStringLiteral("finding the item of claim ") + item.mohClaim);
-        while (q.next()) {
-            Found f;
-            f.claimId = q.value(0).toLongLong();
-            f.itemId = q.value(1).toInt();
-            f.feeSubm = Money::fromVariant(q.value(2));
-            f.feePaid = Money::fromVariant(q.value(3));
-            f.status = q.value(4).toInt();
-            f.errors = q.value(5).toString();
+OfficeItem* Reconciler::find(const Item& item) {
+    for (int which = 0; which < kMatchings; ++which) {
+        for (OfficeItem& office : m_items) {
             // Two lines for two like services answer both items, not one item twice.
-            if (!m_answered.contains({f.claimId, f.itemId})) {
-                return f;
+            if (matches(which, office, item) &&
+                !m_answered.contains({office.row.claimId, office.row.itemId})) {
+                return &office;
             }
         }
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 void Reconciler::run(SqlStatementBuilder& b, const QString& condition, const QVariantList& values,
@@ -117,7 +156,8 @@ void Reconciler::run(SqlStatementBuilder& b, const QString& condition, const QVa
     m_logLines << b.finishUpdate(logCondition);
 }
 
-ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Found& found) {
+ItemOutcome Reconciler::answer(const Claim& header, const Item& item, OfficeItem& office) {
+    ItemRecord& found = office.row;
     const QString& expl = item.explCode;
     const paymentrule::Settled settled =
         paymentrule::settle(*item.submitted, *item.paid, expl, m_options.i2ToFullSubmitted);
@@ -131,6 +171,7 @@ ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Foun
     bool changed = found.feePaid != paid || found.status != status || found.errors != expl;
     if (lowered && found.feeSubm != submitted) {
         b.addField(QStringLiteral("FeeSubm"), submitted.toVariant(), Kind::Number);
+        found.feeSubm = submitted;
         changed = true;
     }
     if (changed) {
@@ -139,6 +180,10 @@ ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Foun
         b.addField(QStringLiteral("Errors"), expl, Kind::Text);
         run(b, QStringLiteral("ClaimID=? And ItemID=?"), {found.claimId, found.itemId},
             QStringLiteral("ClaimID=%1 And ItemID=%2").arg(found.claimId).arg(found.itemId));
+        found.feePaid = paid;
+        found.status = status;
+        found.errors = expl;
+        office.hasStatus = true;
     }
     m_answered.insert({found.claimId, found.itemId});
 
@@ -166,38 +211,28 @@ ItemOutcome Reconciler::answer(const Claim& header, const Item& item, const Foun
 // another suffix were billed together with this one and share its answer.
 void Reconciler::answerPartners(const Item& item, qint64 claimId, int status,
                                 const QString& errors) {
-    QVariantList others;
-    for (const OfficeClaim& c : m_claims) {
-        if (c.id != claimId) {
-            others << c.id;
+    QList<OfficeItem*> partners;
+    const QString suffix = item.serviceCode.mid(4, 1);
+    for (OfficeItem& other : m_items) {
+        const ItemRecord& r = other.row;
+        // An item without a suffix belongs to no split; only unanswered ones share the answer.
+        if (r.claimId != claimId && other.hasStatus && r.status == 0 &&
+            r.serviceDate == item.serviceDate && r.serviceCode.size() >= 5 &&
+            r.serviceCode.mid(4, 1) != suffix) {
+            partners << &other;
         }
     }
-    if (others.isEmpty()) {
-        return;
-    }
-    QList<QPair<qint64, int>> partners;
-    {
-        const query::Statement find = query::partners(others);
-        QSqlQuery q =
-            m_db.exec(find.sql, find.values,
-                      QStringLiteral("finding the split partners of claim ") + item.mohClaim);
-        const QString suffix = item.serviceCode.mid(4, 1);
-        while (q.next()) {
-            // An item without a suffix belongs to no split.
-            const ItemRecord other = ItemRecord::fromRecord(q.record());
-            if (other.serviceDate == item.serviceDate && other.serviceCode.size() >= 5 &&
-                other.serviceCode.mid(4, 1) != suffix) {
-                partners << qMakePair(other.claimId, other.itemId);
-            }
-        }
-    }
-    for (const auto& [partnerClaim, partnerItem] : partners) {
+    for (OfficeItem* partner : partners) {
+        const qint64 partnerClaim = partner->row.claimId;
+        const int partnerItem = partner->row.itemId;
         SqlStatementBuilder b;
         b.beginUpdate(QStringLiteral("items"));
         b.addField(QStringLiteral("Status"), status, Kind::Number);
         b.addField(QStringLiteral("Errors"), errors, Kind::Text);
         run(b, QStringLiteral("ClaimID=? And ItemID=?"), {partnerClaim, partnerItem},
             QStringLiteral("ClaimID=%1 And ItemID=%2").arg(partnerClaim).arg(partnerItem));
+        partner->row.status = status;
+        partner->row.errors = errors;
     }
 }
 
@@ -213,8 +248,7 @@ QList<ItemOutcome> Reconciler::claim(const Claim& header) {
         if (!item.usable) {
             continue;
         }
-        const std::optional<Found> found = m_claims.isEmpty() ? std::nullopt : find(item);
-        if (found) {
+        if (OfficeItem* found = find(item)) {
             outcomes[n] = answer(header, item, *found);
             continue;
         }
