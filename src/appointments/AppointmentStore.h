@@ -32,9 +32,10 @@ public:
     // Whether the lab-requisition program made the appointment (its rows are read-only here).
     bool isRequisition(qint64 appId);
 
-    // Writes a new row under the next AppID and returns that number.
+    // Inside the caller's write transaction: writes a new row under the next AppID and returns
+    // that number.
     qint64 insert(const Appointment& appointment, QStringList& logLines);
-    // Writes every stored field of an existing row back.
+    // Inside the caller's write transaction: writes every stored field of an existing row back.
     void update(const Appointment& appointment, QStringList& logLines);
 
     // The book's order of a day's rows; a missing time or length sorts as the smallest on
