@@ -494,20 +494,21 @@ Transaction::Transaction(Database& db, const QString& doing) : m_db(db) {
         if (m_level == 1) {
             const QStringList begin = m_db.dialect().beginTransaction();
             try {
-                m_db.exec(begin.first(), {}, doing);
-            } catch (const DbError&) {
-                // A server connection lost since the last action is opened again; nothing had
-                // begun, so beginning again is safe.
-                if (!(m_db.onServer() && m_db.connectionLost() && m_db.reconnect())) {
-                    throw;
+                try {
+                    m_db.exec(begin.first(), {}, doing);
+                } catch (const DbError&) {
+                    // A server connection lost since the last action is opened again; nothing
+                    // had begun, so beginning again is safe.
+                    if (!(m_db.onServer() && m_db.connectionLost() && m_db.reconnect())) {
+                        throw;
+                    }
+                    m_db.exec(begin.first(), {}, doing);
                 }
-                m_db.exec(begin.first(), {}, doing);
-            }
-            try {
                 for (qsizetype i = 1; i < begin.size(); ++i) {
                     m_db.exec(begin.at(i), {}, doing);
                 }
             } catch (...) {
+                // A transaction begun but not given its turn (the lock's wait ran out) ends here.
                 QSqlQuery(m_db.m_db).exec(QStringLiteral("ROLLBACK"));
                 throw;
             }
