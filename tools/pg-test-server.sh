@@ -10,9 +10,16 @@ if [ -z "$bin" ]; then
     echo "no PostgreSQL server programs under /usr/lib/postgresql" >&2
     exit 1
 fi
-# The server refuses to run as root.
+# The server refuses to run as root. runuser lives in sbin, which a plain PATH may lack.
+runuser=$(PATH="$PATH:/usr/sbin:/sbin" command -v runuser || true)
 as_owner() {
-    if [ "$(id -u)" = 0 ]; then runuser -u postgres -- "$@"; else "$@"; fi
+    if [ "$(id -u)" != 0 ]; then
+        "$@"
+    elif [ -n "$runuser" ]; then
+        "$runuser" -u postgres -- "$@"
+    else
+        su postgres -s /bin/sh -c "$(printf '%q ' "$@")"
+    fi
 }
 case "$action" in
     start)
