@@ -22,6 +22,15 @@ const char* const kReading =
     " Left Join apptimeslots T On T.ID=A.SlotType"
     " Left Join patients P On P.PatientID=A.PatientID";
 
+// The book's save holds the write transaction: the AppID read here stays free only under it,
+// and one of its own would only add a savepoint's two round trips to every booking.
+void requireTransaction(Database& db, const QString& doing) {
+    if (db.transactionDepth() == 0) {
+        throw DbError(doing, {},
+                      QStringLiteral("an appointment is saved only inside a transaction"));
+    }
+}
+
 QList<Appointment> readAll(QSqlQuery q) {
     QList<Appointment> rows;
     while (q.next()) {
@@ -93,19 +102,6 @@ bool AppointmentStore::isRequisition(qint64 appId) {
                        QStringLiteral("looking up appointment %1").arg(appId))
                .toLongLong() > 0;
 }
-
-namespace {
-
-// The book's save holds the write transaction: the AppID read here stays free only under it,
-// and one of its own would only add a savepoint's two round trips to every booking.
-void requireTransaction(Database& db, const QString& doing) {
-    if (db.transactionDepth() == 0) {
-        throw DbError(doing, {},
-                      QStringLiteral("an appointment is saved only inside a transaction"));
-    }
-}
-
-}  // namespace
 
 qint64 AppointmentStore::insert(const Appointment& appointment, QStringList& logLines) {
     requireTransaction(m_db, QStringLiteral("saving a new appointment"));
