@@ -16,7 +16,8 @@ struct PlacedLine {
 
 // Lines (as dayLines gives them) placed in lanes: each line takes the first lane free at its
 // start; the lines of one overlapping group share its lane count. An empty template slot
-// takes a lane like an appointment; a cancelled appointment too, so it stays visible.
+// takes a lane like an appointment; a cancelled appointment too, so it stays visible. A line
+// of no length holds its first minute. The result keeps the order of `lines`.
 QList<PlacedLine> placeLines(const QList<DayLine>& lines);
 
 }  // namespace brimsett::appointments
