@@ -125,13 +125,18 @@ LikeCriterion likeCriterion(const Dialect& dialect, const QString& column, const
         const QString rest = typed.mid(prefix.size()).trimmed();
         return {QLatin1Char(' ') + column + prefix + QLatin1Char('?'), {rest}};
     }
-    QString pattern = likePattern(typed);
-    if (!wholeText && !hasWildcard(typed)) {
-        pattern += QLatin1Char('%');
+    const bool beginning = !wholeText && !hasWildcard(typed);
+    return patternCriterion(dialect, column, beginning ? typed + QLatin1Char('*') : typed);
+}
+
+LikeCriterion patternCriterion(const Dialect& dialect, const QString& column,
+                               const QString& pattern) {
+    if (!isQualifiedName(column)) {
+        throw std::invalid_argument("search column is not a plain name: " + column.toStdString());
     }
     return {QLatin1Char(' ') + column + dialect.caseInsensitiveLike() + QLatin1Char('?') +
                 dialect.likeEscape(),
-            {pattern}};
+            {likePattern(pattern)}};
 }
 
 }  // namespace brimsett::sqltext

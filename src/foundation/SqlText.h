@@ -64,5 +64,11 @@ struct LikeCriterion {
 LikeCriterion likeCriterion(const Dialect& dialect, const QString& column, const QString& typed,
                             bool wholeText);
 
+// A case-insensitive LIKE that the whole value must match, for a pattern the program built
+// around a typed text (a find adding "*" at its ends): "*" and "?" are wildcards as above,
+// every other character, a leading ">" or "<" too, matches only itself. column as above.
+LikeCriterion patternCriterion(const Dialect& dialect, const QString& column,
+                               const QString& pattern);
+
 }  // namespace sqltext
 }  // namespace brimsett

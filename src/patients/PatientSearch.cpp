@@ -64,6 +64,14 @@ PatientMatches collect(QSqlQuery q, bool lastNameFirst,
 
 }  // namespace
 
+TypedName splitTypedName(const QString& typed) {
+    const qsizetype comma = typed.indexOf(QLatin1Char(','));
+    if (comma < 0) {
+        return {typed.trimmed(), {}};
+    }
+    return {typed.left(comma).trimmed(), typed.mid(comma + 1).trimmed()};
+}
+
 PatientSearch::PatientSearch(Database& db, const AppSettings& settings)
     : m_db(db), m_settings(settings) {}
 

@@ -22,6 +22,13 @@ struct PatientMatches {
     bool more = false;         // more patients matched than the list holds
 };
 
+// A name as the front desk types it for a search: "Last, First", or a last name alone.
+struct TypedName {
+    QString last;
+    QString first;  // empty when no comma was typed
+};
+TypedName splitTypedName(const QString& typed);
+
 // The patient finders of the search screens. Typed texts keep the office's wildcards
 // ("*" any text, "?" one character); without a wildcard a text matches the values that begin
 // with it, or only whole values when switch 7 ("Always use whole text match when searching")
