@@ -1,99 +1,26 @@
-#include "claims/ClaimEntryRecord.h"
-#include "claims/ClaimSave.h"
 #include "claims/ClaimStore.h"
 #include "claims/PendingClaims.h"
-#include "claims/ServiceCodeCell.h"
+#include "cli/CliClaimSave.h"
 #include "cli/CliSession.h"
 #include "foundation/DateText.h"
 #include "foundation/SqlLog.h"
 #include "patients/PatientRegister.h"
-#include "patients/ProviderRegister.h"
 
 namespace brimsett {
 
 namespace {
 
-// The claim's rows as the screen would make them from the typed codes.
-bool readItems(const QStringList& items, ClaimEntry& entry, ServiceCodeCell& cell,
-               const QString& specialty, QString& problem, QStringList& notes) {
-    for (const QString& item : items) {
-        const QStringList parts = item.split(QLatin1Char(':'));
-        if (parts.size() < 4 || parts.size() > 5 || parts.at(0).trimmed().isEmpty()) {
-            problem = QStringLiteral("'%1' is not CODE:DIAG:NUMSERV:YYYY/MM/DD[:FEE]").arg(item);
-            return false;
-        }
-        ItemEntry typed{QString(), parts.at(1), parts.at(2), QString(), parts.at(3)};
-        const ServiceCodeCell::Result made =
-            cell.normalise(parts.at(0), typed, entry.claimType(), specialty);
-        if (!made.notes.isEmpty()) {
-            notes += made.notes;
-        }
-        QList<ItemEntry> rows = made.rows;
-        if (parts.size() == 5 && !rows.isEmpty()) {
-            rows.first().fee = parts.at(4);
-        }
-        entry.rows += rows;
-    }
-    return true;
-}
-
 int addClaim(CliSession& session, const CliArgs& options) {
-    Startup::Result* opened = session.open();
-    if (!opened) {
-        return fail(QStringLiteral("the database is not available"));
-    }
-    const SqlLog log(session.paths(), session.settings().sqlLogOn());
-    const std::optional<qint64> patientId = PatientRegister::readId(options.value("patient"));
-    PatientRegister patients(session.db(), session.settings(), session.prompter(), session.clock(),
-                             log);
-    const std::optional<PatientEntry> patient =
-        patientId ? patients.load(*patientId) : std::nullopt;
-    if (!patient) {
-        return fail(QLatin1String(kNoSuchPatient));
-    }
-    ProviderRegister providers(session.db(), session.settings(), session.prompter(), log);
-    const std::optional<Provider> doctor = providers.load(options.value("doctor").trimmed());
-
-    ClaimEntry entry;
-    claimentry::copyPatient(entry, *patient);
-    entry.doctorId = options.value("doctor").trimmed();
-    const ClaimEntryOptions entryOptions = ClaimEntryOptions::read(session.store());
-    entry.payProg = options.value("program", entryOptions.defClaim);
-    entry.thirdPartyId = options.value("third-party");
-    entry.sli = options.value("sli");
-    entry.regNum = options.value("regnum");
-    entry.refLab = options.value("reflab");
-    for (const auto& [name, member] :
-         {std::pair{"refdoc", &ClaimEntry::refDoc}, std::pair{"facility", &ClaimEntry::facilityNum},
-          std::pair{"admit", &ClaimEntry::admitDate}}) {
-        if (options.isSet(name)) {
-            entry.*member = options.value(name);
-        }
-    }
-    const bool versionEdited =
-        options.isSet("version") && options.value("version") != entry.versionCode;
-    if (options.isSet("version")) {
-        entry.versionCode = options.value("version");
-    }
-    ServiceCodeCell cell(session.db(), entryOptions, opened->money);
-    QStringList notes;
+    QList<cli::TypedItem> items;
     QString problem;
-    if (!readItems(options.positional(), entry, cell, doctor ? doctor->specCode : QString(),
-                   problem, notes)) {
+    if (!cli::readItems(options.positional(), items, problem)) {
         return options.usageError(problem);
     }
-    if (!notes.isEmpty()) {
-        session.prompter().tell(QStringLiteral("Claims"), notes, Icon::Information);
+    const std::optional<qint64> patientId = PatientRegister::readId(options.value("patient"));
+    if (!patientId) {
+        return fail(QLatin1String(kNoSuchPatient));
     }
-    ClaimSave saver(session.db(), session.prompter(), session.clock(), session.settings(),
-                    entryOptions, log, opened->money);
-    const std::optional<ClaimSave::Saved> saved = saver.save(entry, versionEdited);
-    if (!saved) {
-        return 1;
-    }
-    session.out() << "Claim " << saved->claim.claimId << " Account " << saved->claim.acctNum
-                  << "\n";
-    return 0;
+    return cli::saveClaim(session, options, *patientId, options.value("doctor").trimmed(), items);
 }
 
 int showClaim(CliSession& session, const CliArgs& args) {
@@ -160,25 +87,12 @@ int listPending(CliSession& session, const CliArgs& args) {
 }
 
 QList<CliOption> addOptions() {
-    const auto option = [](const char* name, const char* value, const char* help) {
-        return CliOption{QString::fromLatin1(name), QString::fromLatin1(value),
-                         QString::fromLatin1(help)};
-    };
-    QList<CliOption> options = {
-        {QStringLiteral("doctor"), QStringLiteral("ID"), QStringLiteral("the doctor"), true},
-        {QStringLiteral("patient"), QStringLiteral("ID"), QStringLiteral("the patient's number"),
-         true},
-    };
-    options << option("program", "PROG", "the payment program (else \"DefClaim\")")
-            << option("third-party", "ID", "the third party payer")
-            << option("sli", "SLI", "service location indicator")
-            << option("refdoc", "N", "referring doctor (else the patient's)")
-            << option("facility", "N", "facility number (else the patient's)")
-            << option("admit", "YYYY/MM/DD", "admission date (else the patient's)")
-            << option("reflab", "N", "referring laboratory")
-            << option("regnum", "N", "registration number")
-            << option("version", "VC", "version code (else the patient's)");
-    return options;
+    return QList<CliOption>{
+               {QStringLiteral("doctor"), QStringLiteral("ID"), QStringLiteral("the doctor"), true},
+               {QStringLiteral("patient"), QStringLiteral("ID"),
+                QStringLiteral("the patient's number"), true},
+           } +
+           cli::claimHeaderOptions();
 }
 
 [[maybe_unused]] const bool registered =

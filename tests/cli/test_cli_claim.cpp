@@ -1,6 +1,7 @@
 #include "CliRun.h"
 #include "TestSupport.h"
 
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace brimsett;
@@ -77,6 +78,74 @@ private slots:
         QCOMPARE(result.status, status);
         QVERIFY2(result.err.contains(error), qPrintable(result.err));
         QCOMPARE(run({"sql", "Select Count(*) From claims"}).out, before);
+    }
+
+    // Appointment APPID of patient 1 (none for a caller) with JS, daysAgo days ago, status,
+    // A007A and 401 as its codes; the claim's only item and the appointment's status after.
+    void apptBill_data() {
+        QTest::addColumn<int>("appId");
+        QTest::addColumn<bool>("registered");
+        QTest::addColumn<int>("daysAgo");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("items");
+        QTest::addColumn<QString>("item");  // "" when nothing is saved
+        QTest::addColumn<int>("statusAfter");
+        QTest::addColumn<QString>("error");
+        test::row("its own codes", 21, true, 1, 1, QStringList(), "A007A|401|1|337000", 6, "");
+        test::row("ITEM as typed", 22, true, 5, 4, QStringList{"a7:401:2:" + day(5)},
+                  "A007A|401|2|674000", 6, "");
+        test::row("already billed, No by default", 23, true, 6, 6, QStringList(), "", 6,
+                  "This appointment is already marked as 'Billed'.\n"
+                  "  Are you sure you want to bill it?");
+        test::row("caller", 24, false, 7, 1, QStringList(), "", 1,
+                  "This appointment has no registered patient.");
+    }
+    void apptBill() {
+        QFETCH(int, appId);
+        QFETCH(bool, registered);
+        QFETCH(int, daysAgo);
+        QFETCH(int, status);
+        QFETCH(QStringList, items);
+        QFETCH(QString, item);
+        QFETCH(int, statusAfter);
+        QFETCH(QString, error);
+        const QString date = QDate::currentDate().addDays(-daysAgo).toString(Qt::ISODate);
+        QCOMPARE(run({"sql", QString("Insert Into appointments (AppID, PatientID, DoctorID,"
+                                     " AppDate, AppTime, AppLength, Status, ServiceCode, DiagCode)"
+                                     " Values (%1, %2, 'JS', '%3', 540, 15, %4, 'A007A', '401')")
+                                 .arg(appId)
+                                 .arg(QLatin1String(registered ? "1" : "NULL"), date)
+                                 .arg(status)})
+                     .status,
+                 0);
+        const auto before = run({"sql", "Select Count(*) From claims"}).out;
+
+        const auto billed = run(QStringList{"appt", "bill", QString::number(appId)} + items);
+        QVERIFY2(error.isEmpty() ? billed.err.isEmpty() : billed.err.contains(error),
+                 qPrintable(billed.err));
+        QCOMPARE(billed.status, item.isEmpty() ? 1 : 0);
+        const QRegularExpressionMatch saved =
+            QRegularExpression("^Claim (\\d+) Account (\\d{8})\n$").match(billed.out);
+        QCOMPARE(saved.hasMatch(), !item.isEmpty());
+        if (saved.hasMatch()) {
+            QCOMPARE(
+                run({"sql",
+                     "Select C.AcctNum, C.DoctorID, C.PatientID, I.ServiceCode,"
+                     " I.DiagCode, I.NumServ, I.FeeSubm, I.ServiceDate From claims C"
+                     " Join items I On I.ClaimID=C.ClaimID Where C.ClaimID=" +
+                         saved.captured(1)})
+                    .out.split('\n')
+                    .value(1),
+                (QStringList{saved.captured(2), "JS", "1"} + item.split('|') + QStringList{date})
+                    .join('\t'));
+        } else {
+            QCOMPARE(run({"sql", "Select Count(*) From claims"}).out, before);
+        }
+        QCOMPARE(
+            run({"sql", "Select Status From appointments Where AppID=" + QString::number(appId)})
+                .out.split('\n')
+                .value(1),
+            QString::number(statusAfter));
     }
 };
 
