@@ -155,8 +155,9 @@ void AppShell::registerScreens() {
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());
     registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
-    registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter, m_clock,
-                        m_sqlLog, m_session.money, m_main.get());
+    m_billAppointment =
+        registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
+                            m_clock, m_sqlLog, m_session.money, m_main.get());
     registerTransferScreens(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
 }

@@ -1,11 +1,13 @@
 #include "screens/frmClaim.h"
 
+#include "appointments/BookBilling.h"
 #include "claims/ClaimEntryRecord.h"
 #include "claims/ClaimSave.h"
 #include "claims/ClaimStore.h"
 #include "claims/PayProgram.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/AppSettings.h"
+#include "foundation/DateText.h"
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "foundation/UnsavedChanges.h"
@@ -227,6 +229,36 @@ void frmClaim::newClicked() {
     if (mayLeaveCurrent()) {
         startNew();
     }
+}
+
+bool frmClaim::startFromAppointment(const appointments::BillingStart& start) {
+    if (!mayLeaveCurrent()) {
+        return false;
+    }
+    startNew();
+    m_provider->setCurrentIndex(
+        m_provider->findData(start.doctorId, Qt::UserRole, Qt::MatchFixedString));
+    m_patientId->setText(QString::number(start.patientId));
+    if (!showPatient(start.patientId)) {
+        m_prompter.tell(kTitle, {QString::fromLatin1(kNoSuchPatient)}, Icon::Information);
+        m_patientId->selectAll();
+        return false;
+    }
+    setStatus(
+        m_provider->currentIndex() < 0
+            ? QStringLiteral("Provider %1 is not on file: choose the provider.").arg(start.doctorId)
+            : QStringLiteral("Billing appointment %1.").arg(start.appId));
+    ItemEntry first;
+    first.diagCode = start.diagCode;
+    first.serviceDate = datetext::slashed(start.serviceDate);
+    m_grid->setRows({first});
+    if (!start.serviceCode.isEmpty()) {
+        // As if typed at the desk: the code is completed, priced and takes its premiums.
+        m_grid->item(0, frmClaimGrid::Code)->setText(start.serviceCode);
+    }
+    m_grid->setCurrentCell(0, start.serviceCode.isEmpty() ? frmClaimGrid::Code : frmClaimGrid::Fee);
+    m_grid->setFocus();
+    return true;
 }
 
 void frmClaim::focusStart() {

@@ -23,6 +23,10 @@ class QTreeWidget;
 
 namespace brimsett {
 
+namespace appointments {
+struct BillingStart;
+}
+
 class ActionRegistry;
 class frmClaimGrid;
 class frmClaimPending;
@@ -49,6 +53,12 @@ public:
     bool save();
     // An empty claim; the provider, the program's default and the last SLI are kept.
     void startNew();
+    // A new claim for a visit billed from the appointment book, after asking about unsaved
+    // changes: its patient loaded as if typed, its provider, and its codes in the first row on
+    // the visit's date, priced, the cursor on that row for the desk to check and save. Saving
+    // marks the visit billed; leaving without saving leaves it as it was. False when the user
+    // stayed on the claim before or the patient could not be read.
+    bool startFromAppointment(const appointments::BillingStart& start);
     // Offers to save changes that would otherwise be lost; false when the user cancels.
     bool mayLeaveCurrent();
     QString statusLine() const;

@@ -1,5 +1,6 @@
 #include "OfficeFixture.h"
 
+#include "appointments/BookBilling.h"
 #include "claims/ClaimStore.h"
 #include "foundation/ActionRegistry.h"
 #include "screens/ClaimScreens.h"
@@ -7,6 +8,7 @@
 #include "screens/frmClaimGrid.h"
 #include "screens/frmClaimPending.h"
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTreeWidget>
@@ -23,6 +25,7 @@ struct Desk : test::OfficeFixture {
     QWidget owner;
     ActionRegistry registry;
     frmClaim* window = nullptr;
+    std::function<bool(const appointments::BillingStart&)> bill;  // the book's way in
 
     Desk() {
         db->exec(
@@ -41,8 +44,8 @@ struct Desk : test::OfficeFixture {
         settings.option[8] = true;
     }
     void open() {
-        registerClaimScreen(registry, *db, settings, office.store(), prompter, clock, log, {},
-                            &owner);
+        bill = registerClaimScreen(registry, *db, settings, office.store(), prompter, clock, log,
+                                   {}, &owner);
         QVERIFY(registry.runAction(1));
         window = owner.findChild<frmClaim*>();
         QVERIFY(window);
@@ -217,6 +220,55 @@ private slots:
         QCOMPARE(desk.rows("Select ClaimID, AcctNum From claims"), L{"10000000|00000001"});
         QCOMPARE(desk.rows("Select ItemID, NumServ, FeeSubm From items Order By ItemID"),
                  L({"1|3|1011000", "2|2|500000"}));
+    }
+
+    // A visit billed from the book replaces the claim being typed only after asking; it
+    // starts with the visit's patient, provider and codes priced on its date, the cursor on
+    // the fee. Saving marks the visit billed; leaving without saving leaves it as it was.
+    void appointmentBilled_data() {
+        QTest::addColumn<bool>("save");
+        test::row("saved", true);
+        test::row("closed without saving", false);
+    }
+    void appointmentBilled() {
+        QFETCH(bool, save);
+        Desk desk;
+        desk.db->exec(
+            "Insert Into appointments (AppID, PatientID, DoctorID, AppDate, AppTime, AppLength,"
+            " Status, ServiceCode, DiagCode, Deleted) Values"
+            " (5, 1, 'KS', '2026-11-20', 540, 15, 1, 'A007', '401', 0)");
+        desk.open();
+        desk.type("2\na1\n");
+        const std::optional<appointments::BillingStart> start =
+            appointments::startBilling(*desk.db, desk.prompter, 5);
+        QVERIFY(start);
+        desk.prompter.script({Answer::Cancel});
+        QVERIFY(!desk.bill(*start));
+        QCOMPARE(desk.edit("Patient &ID:")->text(), QString("2"));
+        desk.prompter.script({Answer::No});
+        QVERIFY(desk.bill(*start));
+        QCOMPARE(desk.owner.findChildren<frmClaim*>().size(), 1);
+
+        QCOMPARE(desk.edit("Patient &ID:")->text(), QString("1"));
+        QCOMPARE(desk.edit("&Last Name:")->text(), QString("Smith"));
+        QCOMPARE(qobject_cast<QComboBox*>(desk.field("Pro&vider:"))->currentData().toString(),
+                 QString("KS"));
+        QCOMPARE(desk.grid(), L{"A007A|401|1|33.70|2026/11/20"});
+        QCOMPARE(QApplication::focusWidget(), desk.window->grid());
+        QCOMPARE(desk.window->grid()->currentRow(), 0);
+        QCOMPARE(desk.window->grid()->currentColumn(), int(frmClaimGrid::Fee));
+
+        const QPointer<frmClaim> window = desk.window;
+        if (save) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_S, Qt::ControlModifier);
+        } else {
+            desk.prompter.script({Answer::No});
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+            QTRY_VERIFY(!window);
+        }
+        QCOMPARE(desk.prompter.messages().size(), save ? 2 : 3);
+        QCOMPARE(desk.rows("Select DoctorID, PatientID From claims"), save ? L{"KS|1"} : L());
+        QCOMPARE(desk.rows("Select Status From appointments"), L{save ? "6" : "1"});
     }
 
     // Splitting the claim open on the screen takes it off the screen first, so that saving
