@@ -16,7 +16,8 @@ struct AppSettings;
 namespace reports {
 
 // One column of a report table: its caption, how its texts are aligned, and its share of the
-// page width (0 for every column lets the texts decide).
+// page width (0 for every column lets the texts decide; a share never leaves a column
+// narrower than its longest word).
 struct ReportColumn {
     QString caption;
     Qt::Alignment alignment = Qt::AlignLeft;
@@ -46,6 +47,9 @@ struct ReportTable {
     QList<int> groupStarts;
     // Rows (by index into rows) in bold, such as a subtotal amid the rows.
     QList<int> boldRows;
+    // Per row (by index into rows), a colour 0xRRGGBB painted as a light tint behind it;
+    // rows past the list's end, or all when it is empty, stay white.
+    QList<int> rowColors;
     PageTotals pageTotals;
     bool startsPage = false;  // printed from the top of a new page
 };

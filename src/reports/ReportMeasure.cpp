@@ -1,6 +1,7 @@
 #include "reports/ReportMeasure.h"
 
 #include <QImage>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <numeric>
@@ -64,11 +65,22 @@ QFontMetricsF metricsOf(const QFont& font) {
 namespace {
 
 // What each column needs at a font size: room for its widest cell and the longest word of its
-// caption (least), or for the whole caption (whole).
+// caption (least), or for the whole caption (whole); and for the longest word of any of its
+// texts (words), below which a word would break.
 struct Needs {
     QList<qreal> least;
     QList<qreal> whole;
+    QList<qreal> words;
 };
+
+qreal longestWord(const QFontMetricsF& metrics, const QString& text) {
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    qreal most = 0;
+    for (const QString& w : text.split(blanks, Qt::SkipEmptyParts)) {
+        most = std::max(most, metrics.horizontalAdvance(w));
+    }
+    return most;
+}
 
 Needs needsOf(const ReportTable& source, const ReportStyle& style, qreal pointSize) {
     QFont plainFont = bodyFont(style);
@@ -81,10 +93,12 @@ Needs needsOf(const ReportTable& source, const ReportStyle& style, qreal pointSi
     Needs needs;
     for (int c = 0; c < source.columns.size(); ++c) {
         qreal cells = 0;
+        qreal words = 0;
         for (int r = 0; r < source.rows.size(); ++r) {
             const QStringList& row = source.rows.at(r);
             const QFontMetricsF& metrics = source.boldRows.contains(r) ? bold : plain;
             cells = std::max(cells, c < row.size() ? widthOf(metrics, row.at(c)) : 0);
+            words = std::max(words, c < row.size() ? longestWord(metrics, row.at(c)) : 0);
         }
         for (const QStringList& row : source.totals) {
             cells = std::max(cells, c < row.size() ? widthOf(bold, row.at(c)) : 0);
@@ -99,13 +113,50 @@ Needs needsOf(const ReportTable& source, const ReportStyle& style, qreal pointSi
         }
         needs.least << std::max(cells, word) + gap;
         needs.whole << std::max(cells, bold.horizontalAdvance(caption)) + gap;
+        needs.words << std::max(words, word) + gap;
     }
     return needs;
 }
 
+// The weights' shares of the width, but no column narrower than its longest word: such a
+// column gets that much and the others share the rest. Without a known width, the weights.
+QList<qreal> weightedWidths(const ReportTable& source, const QList<qreal>& least, qreal available) {
+    const int count = static_cast<int>(source.columns.size());
+    QList<qreal> widths;
+    for (const ReportColumn& c : source.columns) {
+        widths << c.weight;
+    }
+    if (available <= 0) {
+        return widths;
+    }
+    QList<bool> fitted(count, false);
+    for (bool changed = true; changed;) {
+        changed = false;
+        qreal room = available;
+        qreal weights = 0;
+        for (int c = 0; c < count; ++c) {
+            fitted.at(c) ? room -= least.at(c) : weights += source.columns.at(c).weight;
+        }
+        for (int c = 0; c < count; ++c) {
+            if (fitted.at(c)) {
+                widths[c] = least.at(c);
+                continue;
+            }
+            widths[c] =
+                weights > 0 ? std::max<qreal>(0, room) * source.columns.at(c).weight / weights : 0;
+            if (widths.at(c) < least.at(c)) {
+                fitted[c] = true;
+                changed = true;
+            }
+        }
+    }
+    return widths;
+}
+
 }  // namespace
 
-// Each column's share of the width: the weights given; else every column gets room for its
+// Each column's share of the width: the weights given, no column narrower than its longest
+// word; else every column gets room for its
 // widest cell and the longest word of its caption, then the room left goes first to captions
 // that would wrap, then to every column alike. A table too wide for the page prints in a
 // smaller font, down to two thirds of the style's, and beyond that narrows every column
@@ -119,9 +170,7 @@ TableWidths columnWidths(const ReportTable& source, const ReportStyle& style, qr
         weights += c.weight;
     }
     if (weights > 0) {
-        for (const ReportColumn& c : source.columns) {
-            widths << c.weight;
-        }
+        widths = weightedWidths(source, needsOf(source, style, result.pointSize).words, available);
     } else {
         const qreal smallest = style.fontSize * 2.0 / 3.0;
         Needs needs = needsOf(source, style, result.pointSize);

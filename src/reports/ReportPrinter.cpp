@@ -73,6 +73,19 @@ void ruleAbove(QTextTable* table, int row, qreal width, const QColor& color) {
     }
 }
 
+// A quarter of the colour over white: the colour shows, black text stays easy to read.
+void tintRow(QTextTable* table, int row, int rgb) {
+    const QColor color = QColor::fromRgb(static_cast<QRgb>(rgb));
+    const auto tint = [](int channel) { return 255 - (255 - channel) / 4; };
+    const QColor light(tint(color.red()), tint(color.green()), tint(color.blue()));
+    for (int c = 0; c < table->columns(); ++c) {
+        QTextTableCell cell = table->cellAt(row, c);
+        QTextTableCellFormat format = cell.format().toTableCellFormat();
+        format.setBackground(light);
+        cell.setFormat(format);
+    }
+}
+
 void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle& style,
               qreal available, int blockIndex) {
     const int columns = static_cast<int>(source.columns.size());
@@ -126,6 +139,9 @@ void addTable(QTextCursor& cursor, const ReportTable& source, const ReportStyle&
     };
     for (int r = 0; r < source.rows.size(); ++r) {
         putRow(source.rows.at(r), source.boldRows.contains(r) ? bold : plain);
+        if (r < source.rowColors.size()) {
+            tintRow(table, row - 1, source.rowColors.at(r));  // after the text, which resets it
+        }
     }
     for (int start : source.groupStarts) {
         if (start > 0 && start < source.rows.size()) {

@@ -2,6 +2,7 @@
 
 #include "foundation/AppSettings.h"
 #include "reports/Report.h"
+#include "reports/ReportMeasure.h"
 #include "reports/ReportPrinter.h"
 
 #include <QFile>
@@ -239,6 +240,24 @@ private slots:
         // An empty cell's line is no higher than the row's texts.
         QCOMPARE(laid->cellAt(2, 6).firstCursorPosition().blockCharFormat().fontPointSize(),
                  cell.charFormat().fontPointSize());
+    }
+
+    void weightsShareThePageButNeverBreakAWord() {
+        ReportTable table;
+        table.columns = {{QStringLiteral("Code"), Qt::AlignLeft, 5},
+                         {QStringLiteral("Notes"), Qt::AlignLeft, 95}};
+        table.rows = {L{QStringLiteral("J2093000060"), QStringLiteral("a note of short words")}};
+        const qreal code =
+            metricsOf(bodyFont(ReportStyle{})).horizontalAdvance(QStringLiteral("J2093000060"));
+        const QList<QTextLength> widths = columnWidths(table, ReportStyle{}, 700).lengths;
+        // The code's share (35 of 700) is too narrow for it: it gets its width, the notes the rest.
+        QVERIFY(widths.at(0).rawValue() * 7 > code);
+        QVERIFY(widths.at(0).rawValue() * 7 < code + 40);
+        QCOMPARE(widths.at(0).rawValue() + widths.at(1).rawValue(), 100.0);
+        // Shares wide enough for their texts are kept as given.
+        table.columns[0].weight = 40;
+        table.columns[1].weight = 60;
+        QCOMPARE(columnWidths(table, ReportStyle{}, 700).lengths.at(0).rawValue(), 40.0);
     }
 
     void fixedPitchTextKeepsItsColumns() {
