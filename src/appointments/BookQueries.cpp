@@ -30,7 +30,7 @@ QString inList(qsizetype count) {
 const char* const kFoundColumns =
     "Select A.AppID, A.PatientName, A.AppDate, A.AppTime, A.AppLength, A.DoctorID, A.Notes,"
     " P.LName As LName, P.FName As FName From appointments A"
-    " Left Join patients P On P.PatientID=A.PatientID Where ";
+    " Left Join patients P On P.PatientID=A.PatientID Where";
 // Newest first; a row without a date or time goes last on every engine.
 const char* const kFoundOrder =
     " Order By A.AppDate Is Null, A.AppDate Desc, A.AppTime Is Null, A.AppTime Desc,"
@@ -57,16 +57,18 @@ struct Condition {
 };
 
 // Registered patients by their last and first names, or any appointment by the name it was
-// booked under. Written with the patients as a subquery so that the engine can reach the
-// appointments through their PatientID index.
+// booked under. The two are gathered apart so that each reaches the appointments through an
+// index (Lower(LName), PatientID, Lower(PatientName) for a name's beginning) instead of
+// reading the whole book.
 Condition nameCondition(const Dialect& dialect, const QString& text, bool contains) {
     const TypedName name = splitTypedName(text);
     const auto around = [contains](const QString& part) {
         return (contains ? QStringLiteral("*") : QString()) + part + QLatin1Char('*');
     };
     Condition patients;
+    patients.add(sqltext::lowerPrefixRange(QStringLiteral("LName"), around(name.last)), {});
     patients.add(sqltext::patternCriterion(dialect, QStringLiteral("LName"), around(name.last)),
-                 {});
+                 QStringLiteral(" And"));
     // Only a first name typed narrows the list: a patient without one is still found by the
     // last name alone.
     if (!name.first.isEmpty()) {
@@ -74,11 +76,16 @@ Condition nameCondition(const Dialect& dialect, const QString& text, bool contai
             sqltext::patternCriterion(dialect, QStringLiteral("FName"), around(name.first)),
             QStringLiteral(" And"));
     }
-    const auto booked = sqltext::patternCriterion(dialect, QStringLiteral("A.PatientName"),
-                                                  text + QLatin1Char('*'));
-    return {QStringLiteral(" A.PatientID In (Select PatientID From patients Where") + patients.sql +
-                QStringLiteral(") Or") + booked.sql,
-            patients.values + booked.values};
+    const QString booked = text + QLatin1Char('*');
+    Condition caller;
+    caller.add(sqltext::lowerPrefixRange(QStringLiteral("PatientName"), booked), {});
+    caller.add(sqltext::patternCriterion(dialect, QStringLiteral("PatientName"), booked),
+               QStringLiteral(" And"));
+    return {QStringLiteral(" A.AppID In (Select AppID From appointments Where PatientID In"
+                           " (Select PatientID From patients Where") +
+                patients.sql + QStringLiteral(") Union Select AppID From appointments Where") +
+                caller.sql + QLatin1Char(')'),
+            patients.values + caller.values};
 }
 
 }  // namespace

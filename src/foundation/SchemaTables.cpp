@@ -29,6 +29,7 @@ QStringList TableDefinition::indexStatements() const {
         const QString cols = QString::fromLatin1(index);
         QString suffix = cols;
         suffix.remove(QLatin1Char(' ')).replace(QLatin1Char(','), QLatin1Char('_'));
+        suffix.remove(QLatin1Char('(')).remove(QLatin1Char(')'));
         statements << QStringLiteral("CREATE INDEX idx_%1_%2 ON %3 (%4)")
                           .arg(stem, suffix, quotedName(), cols);
     }
@@ -48,8 +49,9 @@ std::vector<TableDefinition> patientTables() {
          " FacilityNum Text(4), AdmitDate DateTime, Notes Text(200), BatchID Text(12),"
          " HNCheckDate DateTime, Response Text(10), Status Long, HL7PatID Text(50), Flag Bit",
          "PatientID",
-         // Duplicate test, card answers and swipes look up by number; lists sort by name.
-         {"HealthNum", "LName, FName", "HPhone"}},
+         // Duplicate test, card answers and swipes look up by number; lists sort by name;
+         // finds reach a name by its beginning, whatever its case.
+         {"HealthNum", "LName, FName", "HPhone", "Lower(LName)"}},
         {"patientprofilesetup",
          "SectionID Long NOT NULL, Section Text(50), Position Long",
          "SectionID",
@@ -218,7 +220,9 @@ std::vector<TableDefinition> exchangeAndBookTables() {
          " Status Long, ServiceCode Text(5), DiagCode Text(4), PatientID Long,"
          " DoctorID Text(3), Deleted Bit",
          "AppID",
-         {"AppDate, DoctorID", "PatientID", "SlotType"}},
+         // Lower(PatientName): a find by the name a caller was booked under reaches its rows
+         // by the name's beginning, whatever its case, on either engine.
+         {"AppDate, DoctorID", "PatientID", "SlotType", "Lower(PatientName)"}},
         {"AppTemplates",
          "AppTempID Long NOT NULL, DoctorID Text(3), Day Long, TemplateTime Long,"
          " TimeSlot Long",

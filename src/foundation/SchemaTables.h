@@ -13,7 +13,8 @@ struct TableDefinition {
     const char* name;
     const char* columns;               // "Name Type [NOT NULL], ..."
     const char* primaryKey = nullptr;  // column list, or none
-    std::vector<const char*> indexes;  // each a column list, "ClaimID, ServiceDate"
+    // Each a column list, "ClaimID, ServiceDate", or an expression, "Lower(PatientName)".
+    std::vector<const char*> indexes;
 
     // A name with a blank (the overnight card batches) must be bracketed in statements.
     QString quotedName() const;

@@ -73,6 +73,31 @@ constexpr std::array<TableStep, 4> kTableSteps = {{
      "text(5),Percent7 text(8),Code7 text(5),Percent8 text(8),Code8 text(5));"},
 }};
 
+struct IndexStep {
+    const char* table;
+    const char* column;  // the index is made only once the table has it
+    const char* name;
+    const char* statement;
+};
+
+constexpr std::array<IndexStep, 2> kIndexSteps = {{
+    {"patients", "LName", "idx_Patients_LowerLName",
+     "CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"},
+    {"appointments", "PatientName", "idx_Appointments_LowerPatientName",
+     "CREATE INDEX idx_Appointments_LowerPatientName ON Appointments (Lower(PatientName))"},
+}};
+
+bool hasIndex(Database& db, const QString& name) {
+    // A server folds the unquoted name to lower case.
+    return db.scalar(db.onServer() ? QStringLiteral("Select Count(*) From pg_indexes Where"
+                                                    " schemaname=current_schema() And"
+                                                    " indexname=Lower(?)")
+                                   : QStringLiteral("Select Count(*) From sqlite_master Where"
+                                                    " type='index' And Lower(name)=Lower(?)"),
+                     {name}, QStringLiteral("looking for index %1").arg(name))
+               .toLongLong() > 0;
+}
+
 // One step: its look and its statement in one transaction, so that a step the engine refuses
 // half way leaves the table as it was, and two programs starting at once never both add the
 // same column. True when the statement ran.
@@ -119,6 +144,17 @@ bool upgradeSchema(Database& db, QStringList* executed) {
         runStep(
             db, QString::fromLatin1(step.statement), QStringLiteral("creating table %1").arg(table),
             [&] { return !db.hasTable(table); }, executed);
+    }
+    for (const IndexStep& step : kIndexSteps) {
+        const QString table = QString::fromLatin1(step.table);
+        const QString name = QString::fromLatin1(step.name);
+        // Like a new table, a new index needs no restart.
+        runStep(
+            db, QString::fromLatin1(step.statement), QStringLiteral("indexing table %1").arg(table),
+            [&] {
+                return db.hasColumn(table, QString::fromLatin1(step.column)) && !hasIndex(db, name);
+            },
+            executed);
     }
     return unchanged;
 }

@@ -139,4 +139,28 @@ LikeCriterion patternCriterion(const Dialect& dialect, const QString& column,
             {likePattern(pattern)}};
 }
 
+LikeCriterion lowerPrefixRange(const QString& column, const QString& pattern) {
+    if (!isQualifiedName(column)) {
+        throw std::invalid_argument("search column is not a plain name: " + column.toStdString());
+    }
+    QString low;
+    for (const QChar c : pattern) {
+        const char16_t u = c.unicode();
+        if (u == '*' || u == '?' || u == '[' || u == ']') {
+            break;
+        }
+        if (u >= 0x7f || u < 0x20) {
+            return {};
+        }
+        low += u >= 'A' && u <= 'Z' ? QChar(u + ('a' - 'A')) : c;
+    }
+    if (low.isEmpty()) {
+        return {};
+    }
+    QString high = low;
+    high.back() = QChar(high.back().unicode() + 1);
+    const QString lower = QStringLiteral(" Lower(") + column + QLatin1Char(')');
+    return {lower + QStringLiteral(">=? And") + lower + QStringLiteral("<?"), {low, high}};
+}
+
 }  // namespace brimsett::sqltext

@@ -70,5 +70,12 @@ LikeCriterion likeCriterion(const Dialect& dialect, const QString& column, const
 LikeCriterion patternCriterion(const Dialect& dialect, const QString& column,
                                const QString& pattern);
 
+// The range of Lower(column) that every value matching patternCriterion's pattern lies in,
+// " Lower(column)>=? And Lower(column)<?", so that an index on Lower(column) narrows a search
+// by its beginning before the LIKE decides. Empty when the pattern begins with a wildcard or
+// its fixed beginning is not plain ASCII: both engines fold only ASCII letters in Lower(),
+// and compare its text byte by byte.
+LikeCriterion lowerPrefixRange(const QString& column, const QString& pattern);
+
 }  // namespace sqltext
 }  // namespace brimsett

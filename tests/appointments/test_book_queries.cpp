@@ -32,6 +32,7 @@ struct Office : test::OfficeFixture {
             {8, "Ghost, Gone", "2026-10-31", 540, 1, QVariant(), 99, "01"},
             {9, "Walk In", "2026-12-01", 540, 1, QVariant(), QVariant(), "01"},
             {10, "Walk In", "2026-11-30", 540, 1, QVariant(), QVariant(), "01"},
+            {11, "Émile Roy", "2026-11-06", 540, 1, QVariant(), QVariant(), "03"},
         };
         for (const QVariantList& r : rows) {
             db->exec(
@@ -107,6 +108,8 @@ private slots:
         test::row("patient number without a row", "Ghost", false, false, "8 Ghost, Gone");
         test::row("wildcard typed", "Sm*s", false, false, "5 Smithers, Bob");
         test::row("quote in a name", "o'neil", false, false, "6 O'Neil, Pat");
+        test::row("a name beyond ASCII", "Émile", false, false, "11 Émile Roy");
+        test::row("comparison sign is a character", ">Smith", false, false, "");
         test::row("quotes that would end the text", "x' Or '1'='1", false, false, "");
         test::row("percent is a character", "%", false, true, "");
         test::row("patient number", "7", false, false, "2 Smith, Ann|1 Smith, Ann");

@@ -11,6 +11,7 @@ class TestSchemaUpgrade : public QObject {
 
 private slots:
     void currentDatabaseIsLeftAlone();
+    void missingIndexIsMadeOnce();
     void oldDatabaseGetsEveryMissingColumnAndTable();
     void onlyTheMissingColumnIsAdded_data();
     void onlyTheMissingColumnIsAdded();
@@ -42,6 +43,26 @@ void TestSchemaUpgrade::currentDatabaseIsLeftAlone() {
     schema::create(*db);
     QStringList executed;
     QVERIFY(upgradeSchema(*db, &executed));
+    QCOMPARE(executed, QStringList());
+}
+
+// A database made before the indexes of the names gets them, under the names a new one has.
+void TestSchemaUpgrade::missingIndexIsMadeOnce() {
+    test::TempOffice office;
+    auto db = office.emptyDatabase();
+    schema::create(*db);
+    db->exec(QStringLiteral("DROP INDEX idx_Appointments_LowerPatientName"));
+    QStringList executed;
+    QVERIFY(upgradeSchema(*db, &executed));
+    QCOMPARE(executed, QStringList{"CREATE INDEX idx_Appointments_LowerPatientName ON "
+                                   "Appointments (Lower(PatientName))"});
+    db->exec(QStringLiteral("DROP INDEX idx_Patients_LowerLName"));
+    executed.clear();
+    upgradeSchema(*db, &executed);
+    QCOMPARE(executed,
+             QStringList{"CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"});
+    executed.clear();
+    upgradeSchema(*db, &executed);
     QCOMPARE(executed, QStringList());
 }
 
