@@ -458,6 +458,8 @@ void AppBookGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 void AppBookGrid::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
     updateScrollBars();
+    // A scroll bar that came or went narrows the view after the current cell was shown.
+    ensureCurrentVisible();
 }
 
 void AppBookGrid::changeEvent(QEvent* event) {

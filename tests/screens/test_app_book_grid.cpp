@@ -284,6 +284,38 @@ private slots:
         QVERIFY(!m_grid->selectAppointment(99));
     }
 
+    // Columns wider than the screen and rows longer than it scroll to the current cell, also
+    // when a scroll bar that appears afterwards narrows the view.
+    void theCurrentCellStaysInView_data() {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("last column, End") << 7 << Qt::Key_End;
+        QTest::newRow("first column, Home") << 0 << Qt::Key_Home;
+        QTest::newRow("a page down") << 4 << Qt::Key_PageDown;
+        QTest::newRow("one to the right") << 5 << Qt::Key_Right;
+    }
+    void theCurrentCellStaysInView() {
+        QFETCH(int, column);
+        QFETCH(Qt::Key, key);
+        m_grid->setRange(8 * 60, 9 * 60, 60);  // everything fits: no scroll bars yet
+        QApplication::processEvents();
+        QList<GridColumn> columns;
+        for (int i = 0; i < 3; ++i) {
+            columns += threeProviders();
+        }
+        m_grid->setColumns(columns);
+        m_grid->setRange(8 * 60, 17 * 60 + 59, 10);
+        m_grid->setCurrent(column, 600);
+        QTest::keyClick(m_grid, key);
+        QApplication::processEvents();
+        const QRect cell = m_grid->visualCellRect(m_grid->currentColumn(), m_grid->currentMinute());
+        QVERIFY2(m_grid->viewport()->rect().contains(cell), qPrintable(QStringLiteral("%1,%2 %3x%4")
+                                                                           .arg(cell.x())
+                                                                           .arg(cell.y())
+                                                                           .arg(cell.width())
+                                                                           .arg(cell.height())));
+    }
+
     // What a glance at the grid shows, read from its pixels at both screen sizes.
     void paintsSlotsBookingsAndNow_data() {
         QTest::addColumn<QSize>("size");
