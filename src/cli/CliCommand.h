@@ -40,6 +40,7 @@ struct CliCommand {
     QList<CliOption> options{};
     QStringList details{};       // further lines of the command's --help
     std::optional<int> level{};  // the access level the whole command needs
+    bool paints = false;         // draws pages (a PDF): runs as a GUI application, offscreen
     int (*run)(CliSession& session, const CliArgs& args) = nullptr;
 };
 

@@ -3,6 +3,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <memory>
 
 using namespace brimsett;
 
@@ -20,14 +23,17 @@ const QList<CliOption> kGlobalOptions = {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
     // The global options come before the command; everything from the command on is its own.
     QCommandLineParser parser;
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     for (const CliOption& option : kGlobalOptions) {
         parser.addOption(cli::parserOption(option));
     }
-    if (!parser.parse(app.arguments())) {
+    if (!parser.parse(arguments)) {
         QTextStream(stderr) << "brimsett-cli: " << parser.errorText() << "\n"
                             << cli::programHelp(kGlobalOptions);
         return 2;
@@ -46,6 +52,17 @@ int main(int argc, char** argv) {
         return *status;
     }
     const CliArgs& args = std::get<CliArgs>(parsed);
+    // Painting pages needs the GUI application; it never shows a window, so no display is
+    // needed unless the user names a platform.
+    std::unique_ptr<QCoreApplication> app;
+    if (command.command->paints) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        }
+        app = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
     CliSession session(parser.value(QStringLiteral("home")),
                        parser.value(QStringLiteral("settings")),
                        parser.isSet(QStringLiteral("yes")));
