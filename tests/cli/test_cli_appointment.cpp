@@ -51,6 +51,48 @@ private slots:
                                          " 9:00 am\t15\tVisit\tCancelled\tSmith, Ann\t\n"
                                          "10:00 am\t30\tPhysical\t\t\t\n"));
     }
+
+    void daySheet() {
+        test::TempOffice office;
+        const auto run = [&](const QStringList& args) { return test::cli(office, args); };
+        QCOMPARE(run({"init"}).status, 0);
+        for (const char* sql :
+             {"Insert Into apptimeslots (ID, Name, Type, DefaultLength, DefaultServiceCode) Values"
+              " (1,'Visit',0,15,'A007A')",
+              "Insert Into patients (PatientID, LName, FName) Values (7,'Smith','Ann')"}) {
+            QCOMPARE(run({"sql", sql}).status, 0);
+        }
+        const QStringList at = {"appt", "add", "--doctor", "ab", "--date", "2026/11/25", "--type",
+                                "1"};
+        QCOMPARE(run(at + QStringList{"--time", "9:00am", "--patient", "7"}).status, 0);
+        QCOMPARE(run(at + QStringList{"--time", "7:00pm", "--name", "Late Caller"}).status, 0);
+
+        const QString pdf = office.file("sheet.pdf");
+        const QStringList sheet = {"appt", "daysheet", "ab", "2026/11/25", "--layout", "billing"};
+        const test::CliResult printed = run(sheet + QStringList{"--pdf", pdf});
+        QCOMPARE(printed.status, 0);
+        QCOMPARE(printed.out, QStringLiteral("9:00 am\t15\tA007A\t\tBooked\t[7] Smith, Ann\n"
+                                             "7:00 pm\t15\tA007A\t\tBooked\tLate Caller\n"
+                                             "2 appointment(s).\n"));
+        QFile written(pdf);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QVERIFY(written.read(5) == "%PDF-");
+        QCOMPARE(written.permissions() & QFile::Permissions(0x0077), QFile::Permissions());
+
+        QCOMPARE(run(sheet + QStringList{"--from", "8am", "--to", "5pm", "--by-name"}).out,
+                 QStringLiteral("7:00 pm\t15\tA007A\t\tBooked\tLate Caller\n"
+                                "9:00 am\t15\tA007A\t\tBooked\t[7] Smith, Ann\n"
+                                "2 appointment(s).\n"));
+        const test::CliResult none = run({"appt", "daysheet", "AB", "2026/11/26"});
+        QCOMPARE(none.status, 0);
+        QVERIFY2(none.out.isEmpty() && none.err.contains("No appointments to print."),
+                 qPrintable(none.err));
+        for (const QStringList& bad : {QStringList{"appt", "daysheet", "AB", "2026/02/30"},
+                                       sheet + QStringList{"--layout", "wide"},
+                                       sheet + QStringList{"--from", "13pm"}}) {
+            QCOMPARE(run(bad).status, 2);
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCliAppointment)
