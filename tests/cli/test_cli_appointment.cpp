@@ -62,8 +62,8 @@ private slots:
               "Insert Into patients (PatientID, LName, FName) Values (7,'Smith','Ann')"}) {
             QCOMPARE(run({"sql", sql}).status, 0);
         }
-        const QStringList at = {"appt", "add", "--doctor", "ab", "--date", "2026/11/25", "--type",
-                                "1"};
+        const QStringList at = {"appt",   "add",        "--doctor", "ab",
+                                "--date", "2026/11/25", "--type",   "1"};
         QCOMPARE(run(at + QStringList{"--time", "9:00am", "--patient", "7"}).status, 0);
         QCOMPARE(run(at + QStringList{"--time", "7:00pm", "--name", "Late Caller"}).status, 0);
 
@@ -87,9 +87,9 @@ private slots:
         QCOMPARE(none.status, 0);
         QVERIFY2(none.out.isEmpty() && none.err.contains("No appointments to print."),
                  qPrintable(none.err));
-        for (const QStringList& bad : {QStringList{"appt", "daysheet", "AB", "2026/02/30"},
-                                       sheet + QStringList{"--layout", "wide"},
-                                       sheet + QStringList{"--from", "13pm"}}) {
+        for (const QStringList& bad :
+             {QStringList{"appt", "daysheet", "AB", "2026/02/30"},
+              sheet + QStringList{"--layout", "wide"}, sheet + QStringList{"--from", "13pm"}}) {
             QCOMPARE(run(bad).status, 2);
         }
     }
