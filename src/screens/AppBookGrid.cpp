@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -425,6 +426,12 @@ void AppBookGrid::mouseMoveEvent(QMouseEvent* event) {
     } else if (pos.y() > viewport()->height() - edge) {
         vertical->setValue(vertical->value() + edge);
     }
+    QScrollBar* horizontal = horizontalScrollBar();
+    if (pos.x() < gutterWidth() + edge) {
+        horizontal->setValue(horizontal->value() - edge);
+    } else if (pos.x() > viewport()->width() - edge) {
+        horizontal->setValue(horizontal->value() + edge);
+    }
     m_dropCell = cellAt(pos);
     viewport()->update();
 }
@@ -453,6 +460,29 @@ void AppBookGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     moveTo(cell->column, cell->row,
            block ? std::optional<qint64>(block->line.appointment->appId) : std::nullopt);
     emit activated();
+}
+
+// A block too small for its text tells all of it when the pointer rests on it.
+bool AppBookGrid::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QAbstractScrollArea::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const Block* block = blockAt(help->pos());
+    if (!block) {
+        QToolTip::hideText();
+        return true;
+    }
+    const Appointment& app = *block->line.appointment;
+    QStringList lines{appointments::TimeText(app.appTime).trimmed() + QStringLiteral(" - ") +
+                          appointments::TimeText(app.endTime()).trimmed(),
+                      app.whoText(), app.patientPhone,
+                      block->line.slotName + QStringLiteral("  [") +
+                          appointments::StatusName(app.status) + QLatin1Char(']'),
+                      app.notes};
+    lines.removeAll(QString());
+    QToolTip::showText(help->globalPos(), lines.join(QLatin1Char('\n')), viewport());
+    return true;
 }
 
 void AppBookGrid::resizeEvent(QResizeEvent* event) {
