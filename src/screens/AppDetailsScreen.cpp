@@ -54,9 +54,10 @@ QString summaryLine(const appointments::Appointment& a) {
 
 }  // namespace
 
-void registerAppDetailsScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
-                              SettingsStore& store, const SqlLog& log, Prompter& prompter,
-                              QWidget* parent) {
+std::function<frmAppDetails*()> registerAppDetailsScreen(ActionRegistry& registry, Database& db,
+                                                         AppSettings& settings,
+                                                         SettingsStore& store, const SqlLog& log,
+                                                         Prompter& prompter, QWidget* parent) {
     auto* opener = new AppDetailsOpener(db, settings, store, log, prompter, parent);
     registry.setCommand(QStringLiteral("FROMAPPAPPOINTMENT"), [opener](const QString& argument) {
         const std::optional<appointments::Appointment> a = opener->stored(argument);
@@ -71,6 +72,7 @@ void registerAppDetailsScreen(ActionRegistry& registry, Database& db, AppSetting
         const std::optional<appointments::Appointment> a = opener->stored(argument);
         return a ? summaryLine(*a) : kNotFound;
     });
+    return [opener] { return opener->details(); };
 }
 
 }  // namespace brimsett

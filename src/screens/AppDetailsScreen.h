@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 class QWidget;
 
 namespace brimsett {
@@ -9,6 +11,7 @@ class Database;
 class Prompter;
 class SettingsStore;
 class SqlLog;
+class frmAppDetails;
 struct AppSettings;
 
 // The appointment details of a running program and the receiver words about appointments:
@@ -16,9 +19,11 @@ struct AppSettings;
 //                           "NOT FOUND"
 //   "VAPP id"               opens nothing: "AppID|AppDate|Time|AppLength|DoctorID|PatientID|
 //                           PatientName|PatientPhone|Status|SlotType", or "NOT FOUND"
-// The window is opened once, belongs to parent, and opens where it was last left.
-void registerAppDetailsScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
-                              SettingsStore& store, const SqlLog& log, Prompter& prompter,
-                              QWidget* parent);
+// The window is opened once, belongs to parent, and opens where it was last left. The
+// function returned gives that window, made or brought forward, to the appointment book.
+std::function<frmAppDetails*()> registerAppDetailsScreen(ActionRegistry& registry, Database& db,
+                                                         AppSettings& settings,
+                                                         SettingsStore& store, const SqlLog& log,
+                                                         Prompter& prompter, QWidget* parent);
 
 }  // namespace brimsett

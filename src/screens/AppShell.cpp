@@ -3,6 +3,7 @@
 #include "foundation/CommandReceiver.h"
 #include "foundation/MenuModel.h"
 #include "foundation/ServerAddress.h"
+#include "screens/AppBookScreen.h"
 #include "screens/AppDetailsScreen.h"
 #include "screens/AppSetupScreens.h"
 #include "screens/ClaimScreens.h"
@@ -148,16 +149,18 @@ void AppShell::registerScreens() {
     m_patients->registerIn(m_registry);
     registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
-    registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
-                             m_prompter, m_main.get());
+    auto appDetails = registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings,
+                                               m_store, m_sqlLog, m_prompter, m_main.get());
     registerAppSetupScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
                         m_session.money, m_access, m_main.get());
     registerThirdPartyScreen(m_registry, *m_session.db, m_prompter, m_sqlLog, m_main.get());
-    m_billAppointment =
+    const auto billAppointment =
         registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_main.get());
+    registerAppBookScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
+                          m_prompter, m_clock, appDetails, billAppointment, m_main.get());
     registerTransferScreens(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
 }

@@ -11,14 +11,9 @@
 
 #include <QObject>
 
-#include <functional>
 #include <memory>
 
 namespace brimsett {
-
-namespace appointments {
-struct BillingStart;
-}
 
 class CommandReceiver;
 class PatientScreens;
@@ -68,9 +63,6 @@ private:
     std::unique_ptr<frmBMain> m_main;
     std::unique_ptr<CommandReceiver> m_receiver;
     std::unique_ptr<PatientScreens> m_patients;
-    // Claim entry's way in for the appointment book's billing: the book calls it with the
-    // visit it bills, and the claim window comes forward with that visit's claim started.
-    std::function<bool(const appointments::BillingStart&)> m_billAppointment;
     int m_exitCode = 0;
     bool m_shutDown = false;
 };
