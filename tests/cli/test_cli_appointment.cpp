@@ -50,6 +50,42 @@ private slots:
         QCOMPARE(day.out, QStringLiteral(" 9:00 am\t30\tPhysical\tBooked\tWalk In\tmoved\n"
                                          " 9:00 am\t15\tVisit\tCancelled\tSmith, Ann\t\n"
                                          "10:00 am\t30\tPhysical\t\t\t\n"));
+
+        // The month, a find and a count over the same book, with a lunch (kind 1) beside.
+        QCOMPARE(
+            run({"sql", "Insert Into apptimeslots (ID, Name, Type) Values (3,'Lunch',1)"}).status,
+            0);
+        QCOMPARE(run(at + QStringList{"--time", "12:00pm", "--type", "3", "--length", "60",
+                                      "--name", "Lunch"})
+                     .status,
+                 0);
+        QCOMPARE(run({"appt", "month", "ab", "2026/11"}).out, QStringLiteral("2026/11/25\t2\n"));
+        QCOMPARE(run({"appt", "find", "Smith,", "ann"}).out,
+                 QStringLiteral("1\tSmith, Ann\t2026/11/25\t 9:00 am\t15\tAB\t\n"
+                                "1 appointment(s) found.\n"));
+        QCOMPARE(run({"appt", "find", "--notes", "ove"}).out.section('\n', -2),
+                 QStringLiteral("1 appointment(s) found.\n"));
+        QCOMPARE(run({"appt", "find", "x' Or '1'='1"}).out,
+                 QStringLiteral("No appointments found.\n"));
+        const test::CliResult noPatient = run({"appt", "find", "99"});
+        QCOMPARE(noPatient.status, 1);
+        QVERIFY2(noPatient.err.contains("Invalid Patient ID."), qPrintable(noPatient.err));
+        const QStringList count = {"appt", "count", "2026/11/25", "AB", "XY"};
+        QCOMPARE(run(count).out, QStringLiteral("# of Appointments: 3\n"));
+        QCOMPARE(run(count + QStringList{"--from", "9:00 am", "--to", "11am"}).out,
+                 QStringLiteral("# of Appointments: 2\n"));
+        QCOMPARE(run(count + QStringList{"--from", "12pm"}).out,
+                 QStringLiteral("# of Appointments: 1\n"));
+        for (const QStringList& bad :
+             {QStringList{"appt", "month", "AB", "2026/13"},
+              QStringList{"appt", "count", "2026/02/30", "AB"},
+              QStringList{"appt", "count", "2026/11/25", " "}, count + QStringList{"--to", "25"},
+              count + QStringList{"--from", "5pm", "--to", "9"}}) {
+            const test::CliResult refused = run(bad);
+            QCOMPARE(refused.status, 2);
+            QVERIFY2(refused.out.isEmpty() && !refused.err.contains("SQL"),
+                     qPrintable(refused.err));
+        }
     }
 
     void daySheet() {
