@@ -1,11 +1,16 @@
 // Times the appointment book of a large office: about a million appointments of 20 doctors
 // over ten years, with weekly templates (half the doctors use the default one) and slot
-// types. Prints one doctor's day with its template, six doctors' days side by side, and a
-// booking with its overlap check: time and statements per operation, then the plan of every
-// statement they ran and whether it finds its rows through an index.
+// types, and 50,000 patients. Prints one doctor's day with its template, six doctors' days
+// side by side and laid out for painting, a month's counts, a booking with its overlap check,
+// finds by a name's beginning and by a part of it, and a day sheet to PDF: time and
+// statements per operation, then the plan of every statement they ran (a find by a part of a
+// name reads the patients whole and is left out) and whether it finds its rows through an
+// index.
 #include "BenchOffice.h"
 #include "appointments/AppointmentBook.h"
 #include "appointments/AppointmentTime.h"
+#include "appointments/BookQueries.h"
+#include "appointments/DayLayout.h"
 #include "appointments/DaySheet.h"
 #include "foundation/Database.h"
 #include "foundation/OfficePaths.h"
@@ -134,10 +139,10 @@ struct Timing {
 };
 
 template <typename Work>
-Timing timed(Database& db, Work work) {
+Timing timed(Database& db, Work work, int runs = kRuns) {
     Timing t;
     const qint64 before = db.statementCount();
-    for (int run = 0; run < kRuns; ++run) {
+    for (int run = 0; run < runs; ++run) {
         QElapsedTimer timer;
         timer.start();
         work(run);
@@ -181,6 +186,12 @@ int main(int argc, char** argv) {
                             "AppID, 'Last', 'First',"
                             " 'QC' From appointments Where AppID<=?"),
              {kRuns + 1});
+    // The rest of the 50,000 patients the bookings name, for the finds: "Name52" and on.
+    db->exec(QStringLiteral("Insert Into patients (PatientID, LName, FName, Province) Select "
+                            "AppID, 'Name' || AppID, 'First', 'ON' From appointments"
+                            " Where AppID>? And AppID<=50000"),
+             {kRuns + 1});
+    db->exec(QStringLiteral("Analyze"));
 
     int lines = 0;
     const Timing one = timed(
@@ -193,6 +204,15 @@ int main(int argc, char** argv) {
     };
     const Timing six = timed(*db, sixDays);
     six.print(out, "six doctors' days side by side");
+    // What the book's day view needs before it paints: each column's lines placed in lanes.
+    const auto dayView = [&](int run) {
+        for (int d = 0; d < 6; ++d) {
+            placeLines(dayLines(*db, doctor((run + d) % kDoctors), dayOf(run)));
+        }
+    };
+    timed(*db, dayView).print(out, "six providers' day view ready to paint");
+    const auto month = [&](int run) { monthCounts(*db, doctor(run % kDoctors), dayOf(run)); };
+    timed(*db, month).print(out, "month counts of one provider");
 
     const SqlLog log{OfficePaths(folder), true};
     RecordingPrompter prompter;
@@ -216,6 +236,27 @@ int main(int argc, char** argv) {
     };
     timed(*db, booking(8 * 60)).print(out, "booking a free time with its overlap check");
     timed(*db, booking(kFirstSlot)).print(out, "booking over another (double booking, Yes)");
+
+    // A name of about a dozen patients (Name1234 and Name12340 to Name12349), a few hundred
+    // appointments.
+    qsizetype found = 0;
+    const auto find = [&](bool contains) {
+        return [&, contains](int run) {
+            const QString name = QString::number(1000 + run * 173 % 3000);
+            found += findAppointments(
+                         *db, prompter,
+                         contains ? QStringLiteral("ame") + name : QStringLiteral("Name") + name,
+                         FindBy::Patient, contains)
+                         ->size();
+        };
+    };
+    timed(*db, find(false))
+        .print(out, "find by name, starts with", QStringLiteral(" (%1 found)").arg(found / kRuns));
+    found = 0;
+    constexpr int kContainsRuns = 11;
+    timed(*db, find(true), kContainsRuns)
+        .print(out, "find by name, contains",
+               QStringLiteral(" (%1 found)").arg(found / kContainsRuns));
 
     // A busy day of 60 appointments (7:00 am on, every 10 minutes) on a Saturday of its own,
     // printed as a PDF in the information layout, the widest.
@@ -252,7 +293,9 @@ int main(int argc, char** argv) {
     // The statements, gathered untimed on a day of their own: a server's trace is its log.
     bench::StatementTrace trace(*db);
     trace.start();
-    sixDays(kRuns);
+    dayView(kRuns);
+    month(kRuns);
+    find(false)(kRuns);
     booking(8 * 60)(kRuns);
     booking(kFirstSlot)(kRuns);
     daySheet(*db, prompter, sheetRequest);
