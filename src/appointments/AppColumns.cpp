@@ -1,10 +1,13 @@
 #include "appointments/AppColumns.h"
 
+#include "appointments/AppointmentTime.h"
 #include "foundation/Database.h"
 #include "foundation/SqlLog.h"
 #include "foundation/SqlStatementBuilder.h"
 
 #include <QSqlRecord>
+
+#include <algorithm>
 
 namespace brimsett::appointments {
 
@@ -89,6 +92,53 @@ void SaveColumns(Database& db, const SqlLog& log, const QList<GridColumn>& colum
     for (const QString& statement : std::as_const(logged)) {
         log.write(statement);
     }
+}
+
+QStringList blockFields(const QList<GridColumn>& columns, bool serviceCode, bool diagCode) {
+    static const QStringList kShowable{QStringLiteral("Phone"),   QStringLiteral("Type"),
+                                       QStringLiteral("Status"),  QStringLiteral("Notes"),
+                                       QStringLiteral("Service"), QStringLiteral("Diagnosis")};
+    QList<GridColumn> ordered = columns;
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const GridColumn& a, const GridColumn& b) { return a.order < b.order; });
+    QStringList fields;
+    for (const GridColumn& column : ordered) {
+        const QString name = column.name.trimmed();
+        const bool allowed =
+            (name.compare(QLatin1String("Service"), Qt::CaseInsensitive) != 0 || serviceCode) &&
+            (name.compare(QLatin1String("Diagnosis"), Qt::CaseInsensitive) != 0 || diagCode);
+        for (const QString& known : kShowable) {
+            if (column.visible && allowed && name.compare(known, Qt::CaseInsensitive) == 0 &&
+                !fields.contains(known)) {
+                fields << known;
+            }
+        }
+    }
+    return fields;
+}
+
+QStringList blockTexts(const Appointment& appointment, const QStringList& fields) {
+    QStringList texts;
+    for (const QString& field : fields) {
+        QString text;
+        if (field == QLatin1String("Phone")) {
+            text = appointment.patientPhone;
+        } else if (field == QLatin1String("Type")) {
+            text = appointment.slotName;
+        } else if (field == QLatin1String("Status") && appointment.status != 0) {
+            text = QLatin1Char('[') + StatusName(appointment.status) + QLatin1Char(']');
+        } else if (field == QLatin1String("Notes")) {
+            text = QString(appointment.notes).replace(QLatin1Char('\n'), QLatin1Char(' '));
+        } else if (field == QLatin1String("Service")) {
+            text = appointment.serviceCode;
+        } else if (field == QLatin1String("Diagnosis")) {
+            text = appointment.diagCode;
+        }
+        if (!text.simplified().isEmpty()) {
+            texts << text.simplified();
+        }
+    }
+    return texts;
 }
 
 }  // namespace brimsett::appointments

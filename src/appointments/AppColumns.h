@@ -1,7 +1,10 @@
 #pragma once
 
+#include "appointments/Appointment.h"
+
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace brimsett {
 class Database;
@@ -32,5 +35,14 @@ QList<GridColumn> LoadColumns(Database& db);
 // position in the list as ID (from 1) and ColumnOrder (from 0), so they load back in this
 // order. An alignment other than the three is written as "Left". Logged after the commit.
 void SaveColumns(Database& db, const SqlLog& log, const QList<GridColumn>& columns);
+
+// What a booking's block in the day grid shows after the name, in the desk's column order:
+// the visible ones of "Phone", "Type", "Status", "Notes", "Service" and "Diagnosis", the codes
+// only where "ColumnServCode" and "ColumnDiagCode" allow. Time, length and patient are the
+// block itself.
+QStringList blockFields(const QList<GridColumn>& columns, bool serviceCode, bool diagCode);
+// The appointment's texts of those fields, empty ones left out; a status shows as its tag
+// ("[Booked]"), none for status 0.
+QStringList blockTexts(const Appointment& appointment, const QStringList& fields);
 
 }  // namespace brimsett::appointments

@@ -49,10 +49,10 @@ void AppBookGrid::setLineHeight(double factor) {
     ensureCurrentVisible();
 }
 
-void AppBookGrid::setColumns(const QList<GridColumn>& columns) {
+void AppBookGrid::setColumns(const QList<BookColumn>& columns) {
     int column = std::clamp(m_current.column, 0, std::max(0, int(columns.size()) - 1));
     if (m_current.column >= 0 && m_current.column < m_columns.size()) {
-        const GridColumn& was = m_columns.at(m_current.column);
+        const BookColumn& was = m_columns.at(m_current.column);
         for (int i = 0; i < columns.size(); ++i) {
             if (columns.at(i).doctorId == was.doctorId && columns.at(i).date == was.date) {
                 column = i;
@@ -70,6 +70,11 @@ void AppBookGrid::setColumns(const QList<GridColumn>& columns) {
 
 void AppBookGrid::setNow(const QDateTime& now) {
     m_now = now;
+    viewport()->update();
+}
+
+void AppBookGrid::setBlockFields(const QStringList& fields) {
+    m_blockFields = fields;
     viewport()->update();
 }
 
@@ -105,7 +110,7 @@ bool AppBookGrid::selectAppointment(qint64 appId) {
     return true;
 }
 
-const QList<GridColumn>& AppBookGrid::columns() const {
+const QList<BookColumn>& AppBookGrid::columns() const {
     return m_columns;
 }
 
@@ -231,7 +236,7 @@ QList<const AppBookGrid::Block*> AppBookGrid::appointmentsAt(int column, int row
 // that share a row would otherwise be drawn over one another.
 void AppBookGrid::layoutBlocks() {
     m_blocks.clear();
-    for (const GridColumn& column : m_columns) {
+    for (const BookColumn& column : m_columns) {
         QList<DayLine> byRows;
         QList<Block> blocks;
         for (const DayLine& line : column.lines) {

@@ -13,7 +13,7 @@
 
 namespace brimsett {
 
-struct GridColumn {
+struct BookColumn {
     QString header;  // e.g. the provider's name, or "Mon 2026/11/23" in the week view
     QString doctorId;
     QDate date;
@@ -34,9 +34,12 @@ public:
     void setRange(int firstMinute, int lastMinute, int step);
     void setLineHeight(double factor);  // "LineHeight": 1 = one text line per row
     // Keeps the current cell where its provider and date are still shown.
-    void setColumns(const QList<GridColumn>& columns);
+    void setColumns(const QList<BookColumn>& columns);
     // A red line at the time on the columns of its date; an invalid moment shows none.
     void setNow(const QDateTime& now);
+    // What a booking shows after its name, in order (appointments::blockFields); phone,
+    // status and notes until told.
+    void setBlockFields(const QStringList& fields);
 
     int currentColumn() const;
     int currentMinute() const;  // start of the current row
@@ -47,7 +50,7 @@ public:
     // Makes the appointment's first shown row current, selects it and scrolls to it; false
     // when it is not in the grid or outside the shown hours.
     bool selectAppointment(qint64 appId);
-    const QList<GridColumn>& columns() const;
+    const QList<BookColumn>& columns() const;
     // The cell's rectangle on the viewport as it is scrolled now (for a menu or a hint beside
     // it); empty when the column or minute is not in the grid.
     QRect visualCellRect(int column, int minute) const;
@@ -119,9 +122,11 @@ private:
     int m_last = 17 * 60;
     int m_step = 15;
     double m_lineFactor = 1.0;
-    QList<GridColumn> m_columns;
+    QList<BookColumn> m_columns;
     QList<QList<Block>> m_blocks;  // per column, template slots and appointments
     QDateTime m_now;
+    QStringList m_blockFields{QStringLiteral("Phone"), QStringLiteral("Status"),
+                              QStringLiteral("Notes")};
     Cell m_current{0, 0};
     std::optional<qint64> m_selected;  // the appointment picked among those of the current row
 

@@ -1,5 +1,6 @@
 #include "screens/AppBookGrid.h"
 
+#include "appointments/AppColumns.h"
 #include "appointments/AppointmentTime.h"
 
 #include <QPainter>
@@ -32,15 +33,9 @@ QColor textOn(const QColor& fill) {
     return luminance > 140 ? Qt::black : Qt::white;
 }
 
-QString blockText(const Appointment& app) {
-    QStringList parts{app.whoText(), app.patientPhone};
-    // A status of none says nothing worth the room.
-    if (app.status != 0) {
-        parts.append(QLatin1Char('[') + appointments::StatusName(app.status) + QLatin1Char(']'));
-    }
-    parts.append(QString(app.notes).replace(QLatin1Char('\n'), QLatin1Char(' ')).simplified());
-    parts.removeAll(QString());
-    return parts.join(QStringLiteral("  "));
+QString blockText(const Appointment& app, const QStringList& fields) {
+    return (QStringList{app.whoText()} + appointments::blockTexts(app, fields))
+        .join(QStringLiteral("  "));
 }
 
 // Text wrapped into the rectangle, as many whole lines as fit (at least one); the last line
@@ -175,7 +170,7 @@ void AppBookGrid::paintBlock(QPainter& painter, int column, const Block& block) 
     font.setStrikeOut(cancelled);
     painter.setFont(font);
     painter.setPen(cancelled ? QColor(0x60, 0x60, 0x60) : textOn(fill));
-    drawFitted(painter, textRect, blockText(app), int(app.whoText().size()));
+    drawFitted(painter, textRect, blockText(app, m_blockFields), int(app.whoText().size()));
     painter.restore();
 }
 

@@ -1,5 +1,6 @@
 #include "screens/frmAppBook.h"
 
+#include "appointments/AppColumns.h"
 #include "appointments/AppointmentBook.h"
 #include "appointments/AppointmentTime.h"
 #include "appointments/BookQueries.h"
@@ -435,10 +436,10 @@ void frmAppBook::reload() {
         return;
     }
     try {
-        QList<GridColumn> columns;
+        QList<BookColumn> columns;
         if (m_view == View::Day) {
             for (const QString& id : m_providers) {
-                columns << GridColumn{providerName(id), id, m_date, dayLines(m_db, id, m_date)};
+                columns << BookColumn{providerName(id), id, m_date, dayLines(m_db, id, m_date)};
             }
             m_heading->setText(datetext::longDate(m_date));
         } else {
@@ -447,12 +448,15 @@ void frmAppBook::reload() {
             const int days = m_settings.sevenDayWeek ? 7 : 5;
             for (int d = 0; d < days; ++d) {
                 const QDate day = first.addDays(d);
-                columns << GridColumn{QLocale().toString(day, QStringLiteral("ddd yyyy/MM/dd")), id,
+                columns << BookColumn{QLocale().toString(day, QStringLiteral("ddd yyyy/MM/dd")), id,
                                       day, dayLines(m_db, id, day)};
             }
             m_heading->setText(QStringLiteral("Week of %1 for %2")
                                    .arg(datetext::longDate(first), providerName(id)));
         }
+        // The desk's column choice says what each booking shows.
+        m_grid->setBlockFields(
+            blockFields(LoadColumns(m_db), m_settings.columnServCode, m_settings.columnDiagCode));
         m_grid->setRange(m_hours.firstMinute(), m_hours.lastMinute(),
                          slotStepMinutes(m_settings.timeSlot));
         m_grid->setNow(m_clock.now());
@@ -542,7 +546,7 @@ void frmAppBook::refresh() {
 }
 
 QString frmAppBook::currentDoctor() const {
-    const QList<GridColumn>& columns = m_grid->columns();
+    const QList<BookColumn>& columns = m_grid->columns();
     const int c = m_grid->currentColumn();
     if (m_view != View::Month && c >= 0 && c < columns.size()) {
         return columns[c].doctorId;
@@ -551,7 +555,7 @@ QString frmAppBook::currentDoctor() const {
 }
 
 QDate frmAppBook::currentDate() const {
-    const QList<GridColumn>& columns = m_grid->columns();
+    const QList<BookColumn>& columns = m_grid->columns();
     const int c = m_grid->currentColumn();
     if (m_view != View::Month && c >= 0 && c < columns.size()) {
         return columns[c].date;
@@ -697,7 +701,7 @@ void frmAppBook::book() {
     preset.time = TimeText(m_grid->currentMinute()).trimmed();
     preset.status = 1;
     // The template's slot under the cursor gives its type, length and codes.
-    const GridColumn& column = m_grid->columns().at(m_grid->currentColumn());
+    const BookColumn& column = m_grid->columns().at(m_grid->currentColumn());
     for (const DayLine& line : column.lines) {
         if (!line.appointment && line.time == m_grid->currentMinute()) {
             if (const std::optional<SlotType> type = slotTypeById(m_db, line.slotType)) {
@@ -782,11 +786,11 @@ void frmAppBook::pasteHere() {
 }
 
 bool frmAppBook::moveAppointment(qint64 appId, int column, int minute) {
-    const QList<GridColumn>& columns = m_grid->columns();
+    const QList<BookColumn>& columns = m_grid->columns();
     if (column < 0 || column >= columns.size()) {
         return false;
     }
-    const GridColumn target = columns.at(column);
+    const BookColumn target = columns.at(column);
     bool moved = false;
     try {
         const std::optional<Appointment> stored = AppointmentStore(m_db).load(appId);

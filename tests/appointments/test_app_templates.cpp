@@ -163,6 +163,24 @@ private slots:
         }
         QCOMPARE(loaded[6].align, QStringLiteral("Center"));
 
+        // A booking in the grid shows what the columns show: the renamed and hidden ones drop
+        // out, a code only where the office also shows its column.
+        QList<GridColumn> shown = loaded;
+        QCOMPARE(blockFields(shown, true, true), (QStringList{"Type", "Status", "Notes"}));
+        shown[7].visible = true;
+        shown.move(7, 0);
+        QCOMPARE(blockFields(shown, false, true), (QStringList{"Type", "Status", "Notes"}));
+        QCOMPARE(blockFields(shown, true, false),
+                 (QStringList{"Type", "Status", "Notes", "Service"}));  // by ColumnOrder
+        appointments::Appointment a;
+        a.slotName = "Visit";
+        a.notes = "flu\nshot";
+        a.serviceCode = "A007A";
+        QCOMPARE(blockTexts(a, {"Status", "Notes", "Service", "Phone", "Type"}),
+                 (QStringList{"flu shot", "A007A", "Visit"}));
+        a.status = 8;
+        QCOMPARE(blockTexts(a, {"Status"}), QStringList{"[Reschedulled]"});
+
         // A save that fails part-way keeps the columns saved before.
         test::refuseRows(*office.db, QStringLiteral("Insert"), QStringLiteral("AppColumns"),
                          QStringLiteral("NEW.ID = 3"), QStringLiteral("disk full"));

@@ -45,8 +45,8 @@ DayLine booking(qint64 appId, int time, int length, const QString& who, int colo
 
 // Three providers on the pinned day, in the book's order (time, longer first): a double
 // booking at 9:00 (2 beside 1), a cancelled booking at 10:00, an hour-long one at 11:00.
-QList<GridColumn> threeProviders() {
-    GridColumn adams{QStringLiteral("Dr. Adams"), QStringLiteral("1"), kToday, {}};
+QList<BookColumn> threeProviders() {
+    BookColumn adams{QStringLiteral("Dr. Adams"), QStringLiteral("1"), kToday, {}};
     adams.lines = {slot(8 * 60, 15, "Regular", kRegular),
                    slot(8 * 60 + 15, 15, "Regular", kRegular),
                    booking(2, 9 * 60, 30, "Baker, Anne", kRegular),
@@ -54,10 +54,10 @@ QList<GridColumn> threeProviders() {
                    booking(3, 10 * 60, 15, "Dunn, Carl", kRegular, kStatusCancelled),
                    slot(10 * 60, 15, "Regular", kRegular),
                    booking(4, 11 * 60, 60, "Evans, Dora", kPhysical)};
-    GridColumn baker{QStringLiteral("Dr. Baker"), QStringLiteral("2"), kToday, {}};
+    BookColumn baker{QStringLiteral("Dr. Baker"), QStringLiteral("2"), kToday, {}};
     baker.lines = {booking(5, 9 * 60 + 30, 30, "Fox, Eli", kPhysical),
                    slot(12 * 60, 60, "Lunch", kLunch)};
-    GridColumn chen{QStringLiteral("Dr. Chen"), QStringLiteral("3"), kToday.addDays(1), {}};
+    BookColumn chen{QStringLiteral("Dr. Chen"), QStringLiteral("3"), kToday.addDays(1), {}};
     chen.lines = {booking(6, 14 * 60, 15, "Gray, Fay", 0xe07070)};
     return {adams, baker, chen};
 }
@@ -276,7 +276,7 @@ private slots:
 
     void newColumnsKeepTheCurrentProvider() {
         QVERIFY(m_grid->selectAppointment(5));
-        QList<GridColumn> columns = threeProviders();
+        QList<BookColumn> columns = threeProviders();
         columns.swapItemsAt(0, 1);
         m_grid->setColumns(columns);
         QCOMPARE(m_grid->currentColumn(), 0);
@@ -299,7 +299,7 @@ private slots:
         QFETCH(Qt::Key, key);
         m_grid->setRange(8 * 60, 9 * 60, 60);  // everything fits: no scroll bars yet
         QApplication::processEvents();
-        QList<GridColumn> columns;
+        QList<BookColumn> columns;
         for (int i = 0; i < 3; ++i) {
             columns += threeProviders();
         }
