@@ -1,6 +1,7 @@
 #include "screens/AppBookScreen.h"
 
 #include "foundation/ActionRegistry.h"
+#include "screens/AppSetupScreens.h"
 #include "screens/ScreenOpener.h"
 #include "screens/SlotGuard.h"
 
@@ -28,10 +29,17 @@ public:
         if (!m_book) {
             m_book = new frmAppBook(m_db, m_settings, m_store, m_prompter, m_clock, m_log,
                                     m_details, m_bill, m_parent);
+            connect(m_book, &frmAppBook::setupRequested, this, [this] {
+                if (m_setup) {
+                    m_setup();
+                }
+            });
             windowplace::remember(m_book, m_store, QStringLiteral("frmAppBook"));
         }
         return m_book;
     }
+    // What the book's Setup button opens.
+    void setSetup(std::function<void()> setup) { m_setup = std::move(setup); }
     frmAppBook* shown() {
         frmAppBook* window = book();
         window->show();
@@ -45,6 +53,7 @@ private:
     frmAppBook::DetailsWindow m_details;
     frmAppBook::BillAppointment m_bill;
     QPointer<frmAppBook> m_book;
+    std::function<void()> m_setup;
 };
 
 }  // namespace
@@ -55,6 +64,7 @@ void registerAppBookScreen(ActionRegistry& registry, Database& db, AppSettings& 
                            frmAppBook::BillAppointment bill, QWidget* parent) {
     auto* opener = new AppBookOpener(db, settings, store, log, prompter, clock, std::move(details),
                                      std::move(bill), parent);
+    opener->setSetup([&registry] { registry.runAction(kActionAppointmentSetup); });
     registry.setAction(kActionAppointments, QStringLiteral("Appointments"),
                        guarded(opener, [opener] { opener->shown(); }));
     registry.setAction(kActionTodaysAppts, QStringLiteral("Today's Appts"),

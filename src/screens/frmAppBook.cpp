@@ -252,6 +252,8 @@ QWidget* frmAppBook::buildButtons() {
     add(QStringLiteral("B&ill"), QStringLiteral("Ctrl+B"), &frmAppBook::billCurrent);
     add(QStringLiteral("R&efresh"), QStringLiteral("Ctrl+R"), &frmAppBook::refresh);
     row->addStretch();
+    add(QStringLiteral("Set&up..."), QStringLiteral("Slot types, templates and columns"),
+        [this] { emit setupRequested(); });
     add(QStringLiteral("Close"), QStringLiteral("Esc"), [this] { close(); });
     return bar;
 }

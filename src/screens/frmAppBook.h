@@ -88,6 +88,10 @@ public:
     QTableWidget* monthTable() const { return m_month; }
     QString statusText() const;
 
+signals:
+    // The desk asks for the book's setup (slot types, templates, columns).
+    void setupRequested();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -242,6 +242,11 @@ private slots:
                  QStringLiteral("Please enter at least one provider."));
         QCOMPARE(book->providers().size(), 3);
 
+        bool setup = false;
+        office.registry.setAction(40, "Appointment Setup", [&setup] { setup = true; });
+        QTest::keyClick(book->windowHandle(), Qt::Key_U, Qt::AltModifier);
+        QTRY_VERIFY(setup);  // a button's letter clicks it after a flash
+
         QCOMPARE(office.registry.runCommand("FINDAPPOINTMENT 6"), QStringLiteral("OK"));
         QCOMPARE(book->shownDate(), QDate(2026, 11, 25));
         QCOMPARE(book->grid()->currentAppointment()->appId, qint64(6));
