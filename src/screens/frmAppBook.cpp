@@ -149,9 +149,9 @@ frmAppBook::frmAppBook(Database& db, AppSettings& settings, SettingsStore& store
     loadProviderNames();
     QStringList shown = splitIds(settings.lastDoctorApp);
     if (shown.isEmpty() && !m_providerNames.isEmpty()) {
-        shown << m_providerNames.keys().first();
-        std::sort(shown.begin(), shown.end());
-        shown = shown.mid(0, 1);
+        QStringList all = m_providerNames.keys();
+        std::sort(all.begin(), all.end());
+        shown << all.first();
     }
     m_providers = shown;
     m_providerEdit->setText(m_providers.join(QStringLiteral(", ")));
@@ -592,9 +592,10 @@ bool frmAppBook::findAppointment(qint64 appId) {
     }
     m_date = QDate();
     showDate(a->appDate);
-    const bool found = m_grid->selectAppointment(appId);
+    // One outside the shown hours is on its day all the same, only not selected.
+    m_grid->selectAppointment(appId);
     m_grid->setFocus();
-    return found;
+    return true;
 }
 
 // ---- keys ----
@@ -658,12 +659,6 @@ bool frmAppBook::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QWidget::eventFilter(watched, event);
-}
-
-void frmAppBook::keyPressEvent(QKeyEvent* event) {
-    if (!handleDeskKey(event)) {
-        QWidget::keyPressEvent(event);
-    }
 }
 
 void frmAppBook::showEvent(QShowEvent* event) {
