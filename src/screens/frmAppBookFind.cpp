@@ -61,7 +61,10 @@ frmAppBookFind::frmAppBookFind(Database& db, SettingsStore& store, Prompter& pro
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->verticalHeader()->hide();
-    m_table->horizontalHeader()->setStretchLastSection(true);
+    for (int c = 0; c < 6; ++c) {
+        m_table->horizontalHeader()->setSectionResizeMode(c, QHeaderView::ResizeToContents);
+    }
+    m_table->horizontalHeader()->setSectionResizeMode(6, QHeaderView::Stretch);
     m_table->installEventFilter(this);
     connect(m_table, &QTableWidget::cellDoubleClicked, this,
             guarded(this, &frmAppBookFind::goToCurrent));
@@ -126,7 +129,6 @@ bool frmAppBookFind::search() {
             m_table->setItem(r, c, item);
         }
     }
-    m_table->resizeColumnsToContents();
     m_count->setText(foundCountLine(m_found.size()));
     if (m_found.isEmpty()) {
         focusText();

@@ -6,12 +6,14 @@
 #include "screens/AppDetailsScreen.h"
 #include "screens/ClaimScreens.h"
 #include "screens/frmAppBook.h"
+#include "screens/frmAppBookFind.h"
 #include "screens/frmAppDetails.h"
 #include "screens/frmClaim.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPrintPreviewDialog>
 #include <QTableWidget>
 #include <QtTest>
 
@@ -251,6 +253,35 @@ private slots:
         QCOMPARE(book->shownDate(), QDate(2026, 11, 25));
         QCOMPARE(book->grid()->currentAppointment()->appId, qint64(6));
         QCOMPARE(office.registry.runCommand("FINDAPPOINTMENT 99"), QStringLiteral("NOT FOUND"));
+    }
+
+    // Ctrl+F finds by name; Enter on a found row shows its day with it selected. Today's
+    // Appts previews the shown providers' sheets, or says there is nothing.
+    void findAndTodaysSheets() {
+        Office office;
+        frmAppBook* book = office.book;
+        QVERIFY(QTest::qWaitForWindowActive(book));
+        book->showDate(QDate(2026, 12, 1));
+        book->grid()->setFocus();
+        office.key(Qt::Key_F, Qt::ControlModifier);
+        auto* find = topLevel<frmAppBookFind>();
+        QVERIFY(find != nullptr);
+        QTest::keyClicks(find->textField(), QStringLiteral("smith, a"));
+        QTest::keyClick(find->textField(), Qt::Key_Return);
+        QCOMPARE(find->countText(), QStringLiteral("2 appointment(s) found."));
+        QCOMPARE(find->table()->item(0, 0)->text(), QStringLiteral("6"));  // newest first
+        QCOMPARE(office.office.store().readNumber("Options", "AppSearch"), 0);
+        QVERIFY(find->grab().save(QStringLiteral("/tmp/frmAppBookFind.png")));
+        QTest::keyClick(find->table(), Qt::Key_Down);
+        QTest::keyClick(find->table(), Qt::Key_Return);
+        QCOMPARE(book->shownDate(), QDate(2026, 11, 23));
+        QCOMPARE(book->grid()->currentAppointment()->appId, qint64(1));
+
+        office.registry.runAction(4);
+        QTRY_VERIFY(book->findChild<QPrintPreviewDialog*>() != nullptr);
+        office.clock.set(QDateTime(QDate(2026, 11, 24), QTime(8, 0)));
+        office.registry.runAction(4);
+        QCOMPARE(office.prompter.last().text(), QStringLiteral("No appointments to print."));
     }
 
 private:
