@@ -34,8 +34,10 @@ QColor textOn(const QColor& fill) {
 }
 
 QString blockText(const Appointment& app, const QStringList& fields) {
-    return (QStringList{app.whoText()} + appointments::blockTexts(app, fields))
-        .join(QStringLiteral("  "));
+    QStringList parts =
+        QStringList{app.whoText().trimmed()} + appointments::blockTexts(app, fields);
+    parts.removeAll(QString());  // a block time without a name starts with what it is
+    return parts.join(QStringLiteral("  "));
 }
 
 // Text wrapped into the rectangle, as many whole lines as fit (at least one); the last line
@@ -170,7 +172,8 @@ void AppBookGrid::paintBlock(QPainter& painter, int column, const Block& block) 
     font.setStrikeOut(cancelled);
     painter.setFont(font);
     painter.setPen(cancelled ? QColor(0x60, 0x60, 0x60) : textOn(fill));
-    drawFitted(painter, textRect, blockText(app, m_blockFields), int(app.whoText().size()));
+    drawFitted(painter, textRect, blockText(app, m_blockFields),
+               int(app.whoText().trimmed().size()));
     painter.restore();
 }
 
