@@ -59,8 +59,15 @@ void HourField::setPm(bool pm) {
 }
 
 bool HourField::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusOut && !m_hour->hasFocus() && !m_half->hasFocus()) {
+        emit committed();
+    }
     if (event->type() == QEvent::KeyPress) {
-        const QString text = static_cast<QKeyEvent*>(event)->text();
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            emit committed();  // and Enter goes on, to move to the next field
+        }
+        const QString text = key->text();
         if (text.compare(QLatin1String("a"), Qt::CaseInsensitive) == 0) {
             setPm(false);
             return true;

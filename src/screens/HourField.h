@@ -25,6 +25,8 @@ public:
 
 signals:
     void edited();
+    // The desk is done with the field: Enter in either box, or the keyboard left it.
+    void committed();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

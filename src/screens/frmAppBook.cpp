@@ -203,13 +203,7 @@ QWidget* frmAppBook::buildTop() {
     for (HourField* field : {m_from, m_to}) {
         enter->watch(field->hourBox());
         enter->watch(field->halfBox());
-        connect(field->hourBox(), &QLineEdit::editingFinished, this,
-                guarded(this, &frmAppBook::hoursTyped));
-        connect(field, &HourField::edited, this, [this] {
-            if (!m_from->hourBox()->hasFocus() && !m_to->hourBox()->hasFocus()) {
-                hoursTyped();
-            }
-        });
+        connect(field, &HourField::committed, this, guarded(this, &frmAppBook::hoursTyped));
     }
     enter->watch(m_providerEdit);
 
@@ -407,7 +401,10 @@ void frmAppBook::hoursTyped() {
     const std::optional<int> first = m_from->hour();
     const std::optional<int> last = m_to->hour();
     if (!first || !last) {
-        return;  // still being typed
+        // Left without an hour of 1 to 12: the range stays as it was.
+        m_from->setHour(m_hours.first);
+        m_to->setHour(m_hours.last);
+        return;
     }
     if (*last < *first) {
         m_prompter.tell(QStringLiteral("Brimsett"),

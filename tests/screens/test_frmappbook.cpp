@@ -5,6 +5,7 @@
 #include "screens/AppBookScreen.h"
 #include "screens/AppDetailsScreen.h"
 #include "screens/ClaimScreens.h"
+#include "screens/HourField.h"
 #include "screens/frmAppBook.h"
 #include "screens/frmAppBookFind.h"
 #include "screens/frmAppDetails.h"
@@ -243,6 +244,25 @@ private slots:
         QCOMPARE(office.prompter.last().text(),
                  QStringLiteral("Please enter at least one provider."));
         QCOMPARE(book->providers().size(), 3);
+
+        // The first hour: 13 reads 12, "p" makes it pm, "+" turns it back; Enter moves on, and
+        // once the keyboard leaves the field the range is this computer's from then on.
+        HourField* from = book->findChildren<HourField*>().first();
+        from->hourBox()->setFocus();
+        from->hourBox()->clear();
+        QTest::keyClicks(from->hourBox(), QStringLiteral("13p"));
+        QCOMPARE(from->hourBox()->text(), QStringLiteral("12"));
+        QCOMPARE(from->halfBox()->text(), QStringLiteral("pm"));
+        QTest::keyClicks(from->hourBox(), QStringLiteral("+"));
+        QCOMPARE(from->halfBox()->text(), QStringLiteral("am"));
+        from->hourBox()->selectAll();
+        QTest::keyClicks(from->hourBox(), QStringLiteral("7"));
+        QTest::keyClick(from->hourBox(), Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), from->halfBox());
+        QTest::keyClick(from->halfBox(), Qt::Key_Return);
+        QCOMPARE(book->shownHours(), (appointments::ShownHours{7, 17}));
+        QCOMPARE(office.office.store().get("Appointment", "HourS"), QStringLiteral("7"));
+        QCOMPARE(book->grid()->columns().size(), 3);
 
         bool setup = false;
         office.registry.setAction(40, "Appointment Setup", [&setup] { setup = true; });
