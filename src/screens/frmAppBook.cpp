@@ -99,7 +99,7 @@ frmAppBook::frmAppBook(Database& db, AppSettings& settings, SettingsStore& store
     m_calendar = new QCalendarWidget(this);
     m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     m_calendar->setFocusPolicy(Qt::ClickFocus);
-    m_calendar->setVisible(settings.dailyCalendar);
+    m_calendar->setVisible(false);
     connect(m_calendar, &QCalendarWidget::clicked, this,
             guarded(this, [this](const QDate& date) { showDate(date); }));
 
@@ -161,6 +161,7 @@ frmAppBook::frmAppBook(Database& db, AppSettings& settings, SettingsStore& store
     m_dateEdit->setDate(m_date);
     reload();
     resize(1000, 580);
+    m_grid->setFocus();  // the desk starts in the day, not in a field
 }
 
 frmAppBook::~frmAppBook() = default;
@@ -421,7 +422,9 @@ void frmAppBook::hoursTyped() {
 
 void frmAppBook::reload() {
     m_stack->setCurrentWidget(m_view == View::Month ? static_cast<QWidget*>(m_month) : m_grid);
-    if (m_calendar->isVisible()) {
+    // The day calendar serves the day view; the week needs the room, the month is one.
+    m_calendar->setVisible(m_settings.dailyCalendar && m_view == View::Day);
+    if (!m_calendar->isHidden()) {
         const QSignalBlocker block(m_calendar);
         m_calendar->setSelectedDate(m_date);
     }
@@ -447,8 +450,8 @@ void frmAppBook::reload() {
             const int days = m_settings.sevenDayWeek ? 7 : 5;
             for (int d = 0; d < days; ++d) {
                 const QDate day = first.addDays(d);
-                columns << BookColumn{QLocale().toString(day, QStringLiteral("ddd yyyy/MM/dd")), id,
-                                      day, dayLines(m_db, id, day)};
+                columns << BookColumn{QLocale().toString(day, QStringLiteral("ddd MM/dd")), id, day,
+                                      dayLines(m_db, id, day)};
             }
             m_heading->setText(QStringLiteral("Week of %1 for %2")
                                    .arg(datetext::longDate(first), providerName(id)));
