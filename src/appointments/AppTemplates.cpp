@@ -69,6 +69,54 @@ QList<TemplateSlot> templateRows(Database& db, const QString& doctorId, int day)
     return rows;
 }
 
+QList<TemplateSlot> templateRowsOf(Database& db, const QStringList& doctorIds,
+                                   const QList<int>& days) {
+    if (doctorIds.isEmpty() || days.isEmpty()) {
+        return {};
+    }
+    QStringList doctors = doctorIds;
+    doctors << defaultTemplateDoctor();
+    QVariantList values;
+    for (int day : days) {
+        values << day;
+    }
+    for (const QString& id : doctors) {
+        values << id;
+    }
+    const auto marks = [](qsizetype n) {
+        QStringList list;
+        list.fill(QStringLiteral("?"), n);
+        return list.join(QLatin1Char(','));
+    };
+    QList<TemplateSlot> rows;
+    QSqlQuery q = db.exec(QStringLiteral("Select AppTempID, DoctorID, Day, TemplateTime, TimeSlot "
+                                         "From apptemplates Where Day In (%1) And DoctorID In (%2) "
+                                         "Order By TemplateTime Is Null Desc, TemplateTime, "
+                                         "AppTempID")
+                              .arg(marks(days.size()), marks(doctors.size())),
+                          values, QStringLiteral("reading the templates of the shown days"));
+    while (q.next()) {
+        rows << TemplateSlot{q.value(0).toInt(), q.value(1).toString(), q.value(2).toInt(),
+                             q.value(3).toInt(), q.value(4).toInt()};
+    }
+    return rows;
+}
+
+QList<TemplateSlot> templateFrom(const QList<TemplateSlot>& rows, const QString& doctorId,
+                                 int day) {
+    const auto of = [&rows, day](const QString& id) {
+        QList<TemplateSlot> picked;
+        for (const TemplateSlot& slot : rows) {
+            if (slot.day == day && slot.doctorId.compare(id, Qt::CaseInsensitive) == 0) {
+                picked << slot;
+            }
+        }
+        return picked;
+    };
+    QList<TemplateSlot> own = of(doctorId);
+    return own.isEmpty() && doctorId != defaultTemplateDoctor() ? of(defaultTemplateDoctor()) : own;
+}
+
 QList<TemplateSlot> templateFor(Database& db, const QString& doctorId, int day) {
     QList<TemplateSlot> rows = templateRows(db, doctorId, day);
     if (rows.isEmpty() && doctorId != defaultTemplateDoctor()) {

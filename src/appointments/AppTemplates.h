@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace brimsett {
 class Database;
@@ -50,6 +51,12 @@ QList<TemplateSlot> templateFor(Database& db, const QString& doctorId, int day);
 // Exactly the rows kept under doctorId (defaultTemplateDoctor() for the default) and day.
 QList<TemplateSlot> templateRows(Database& db, const QString& doctorId, int day);
 QList<TemplateRow> templateList(Database& db, const QString& doctorId, int day);
+// The rows of the doctors (and of the default template) for the weekdays, in one reading, for
+// templateFrom to pick from.
+QList<TemplateSlot> templateRowsOf(Database& db, const QStringList& doctorIds,
+                                   const QList<int>& days);
+// What templateFor gives, taken from rows read by templateRowsOf.
+QList<TemplateSlot> templateFrom(const QList<TemplateSlot>& rows, const QString& doctorId, int day);
 
 // Each returns an empty text when done, else the reason nothing was written: a time outside
 // the day, a day outside 1..7, an unknown slot type or doctor, or a row that is gone. Each

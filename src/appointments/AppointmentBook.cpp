@@ -21,13 +21,9 @@ bool covers(const Appointment& a, int minute) {
     return live(a) && a.appTime <= minute && minute < a.endTime();
 }
 
-}  // namespace
-
-QList<DayLine> dayLines(Database& db, const QString& doctorId, const QDate& date) {
-    const QList<Appointment> booked = AppointmentStore(db).day(doctorId, date);
-    const QList<TemplateSlot> pattern = templateFor(db, doctorId, templateDay(date));
-    const QList<SlotType> types =
-        booked.isEmpty() && pattern.isEmpty() ? QList<SlotType>() : LoadSlotTypes(db);
+// One day's lines from what was read for all of them.
+QList<DayLine> linesOf(const QList<Appointment>& booked, const QList<TemplateSlot>& pattern,
+                       const QList<SlotType>& types) {
     QList<DayLine> lines;
     for (const Appointment& a : booked) {
         const std::optional<SlotType> type = findSlotType(types, a.slotType);
@@ -61,6 +57,48 @@ QList<DayLine> dayLines(Database& db, const QString& doctorId, const QDate& date
         return x.length > y.length;
     });
     return lines;
+}
+
+}  // namespace
+
+QList<QList<DayLine>> dayLinesOf(Database& db, const QList<DayKey>& keys) {
+    if (keys.isEmpty()) {
+        return {};
+    }
+    QStringList doctors;
+    QList<int> days;
+    QDate from = keys.first().date;
+    QDate to = from;
+    for (const DayKey& key : keys) {
+        if (!doctors.contains(key.doctorId)) {
+            doctors << key.doctorId;
+        }
+        if (!days.contains(templateDay(key.date))) {
+            days << templateDay(key.date);
+        }
+        from = std::min(from, key.date);
+        to = std::max(to, key.date);
+    }
+    const QList<Appointment> booked = AppointmentStore(db).days(doctors, from, to);
+    const QList<TemplateSlot> patterns = templateRowsOf(db, doctors, days);
+    const QList<SlotType> types =
+        booked.isEmpty() && patterns.isEmpty() ? QList<SlotType>() : LoadSlotTypes(db);
+    QList<QList<DayLine>> all;
+    for (const DayKey& key : keys) {
+        QList<Appointment> mine;
+        for (const Appointment& a : booked) {
+            if (a.appDate == key.date &&
+                a.doctorId.compare(key.doctorId, Qt::CaseInsensitive) == 0) {
+                mine << a;
+            }
+        }
+        all << linesOf(mine, templateFrom(patterns, key.doctorId, templateDay(key.date)), types);
+    }
+    return all;
+}
+
+QList<DayLine> dayLines(Database& db, const QString& doctorId, const QDate& date) {
+    return dayLinesOf(db, {{doctorId, date}}).first();
 }
 
 AppointmentBook::AppointmentBook(Database& db, Prompter& prompter, const SqlLog& log,

@@ -28,6 +28,15 @@ struct DayLine {
 // after the appointments of its minute). Reads only.
 QList<DayLine> dayLines(Database& db, const QString& doctorId, const QDate& date);
 
+// A doctor's day, as a key of several read at once.
+struct DayKey {
+    QString doctorId;
+    QDate date;
+};
+// The lines of each day (in the keys' order), as dayLines gives them, read in three
+// statements whatever the number of doctors and days: the book's views ask for many.
+QList<QList<DayLine>> dayLinesOf(Database& db, const QList<DayKey>& keys);
+
 class AppointmentBook {
 public:
     AppointmentBook(Database& db, Prompter& prompter, const SqlLog& log, CardCheck card = {});

@@ -83,6 +83,25 @@ QList<Appointment> AppointmentStore::day(const QString& doctorId, const QDate& d
         {date, doctorId}, QStringLiteral("reading the appointments of %1").arg(doctorId)));
 }
 
+QList<Appointment> AppointmentStore::days(const QStringList& doctorIds, const QDate& from,
+                                          const QDate& to) {
+    if (doctorIds.isEmpty()) {
+        return {};
+    }
+    QStringList marks;
+    marks.fill(QStringLiteral("?"), doctorIds.size());
+    QVariantList values{from, to};
+    for (const QString& id : doctorIds) {
+        values << id;
+    }
+    return readAll(m_db.exec(QLatin1String(kReading) +
+                                 QStringLiteral(" Where A.AppDate>=? And A.AppDate<=? And"
+                                                " A.DoctorID In (%1)")
+                                     .arg(marks.join(QLatin1Char(','))) +
+                                 bookOrder(),
+                             values, QStringLiteral("reading the appointments of the shown days")));
+}
+
 QList<Appointment> AppointmentStore::overlapping(const QString& doctorId, const QDate& date,
                                                  int time, int length, qint64 except) {
     return readAll(

@@ -25,6 +25,8 @@ public:
     std::optional<Appointment> load(qint64 appId);
     // A doctor's appointments of a day, cancelled ones included, in the book's order.
     QList<Appointment> day(const QString& doctorId, const QDate& date);
+    // The same for several doctors over the days from `from` to `to`, in one reading.
+    QList<Appointment> days(const QStringList& doctorIds, const QDate& from, const QDate& to);
     // The doctor's appointments of the day that are not cancelled and share a minute with
     // [time, time + length), other than `except`.
     QList<Appointment> overlapping(const QString& doctorId, const QDate& date, int time, int length,

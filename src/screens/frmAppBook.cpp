@@ -441,7 +441,7 @@ void frmAppBook::reload() {
         QList<BookColumn> columns;
         if (m_view == View::Day) {
             for (const QString& id : m_providers) {
-                columns << BookColumn{providerName(id), id, m_date, dayLines(m_db, id, m_date)};
+                columns << BookColumn{providerName(id), id, m_date, {}};
             }
             m_heading->setText(datetext::longDate(m_date));
         } else {
@@ -450,11 +450,20 @@ void frmAppBook::reload() {
             const int days = m_settings.sevenDayWeek ? 7 : 5;
             for (int d = 0; d < days; ++d) {
                 const QDate day = first.addDays(d);
-                columns << BookColumn{QLocale().toString(day, QStringLiteral("ddd MM/dd")), id, day,
-                                      dayLines(m_db, id, day)};
+                columns << BookColumn{
+                    QLocale().toString(day, QStringLiteral("ddd MM/dd")), id, day, {}};
             }
             m_heading->setText(QStringLiteral("Week of %1 for %2")
                                    .arg(datetext::longDate(first), providerName(id)));
+        }
+        // Every shown day in one reading: a server office pays for each statement.
+        QList<DayKey> keys;
+        for (const BookColumn& column : columns) {
+            keys << DayKey{column.doctorId, column.date};
+        }
+        const QList<QList<DayLine>> lines = dayLinesOf(m_db, keys);
+        for (qsizetype c = 0; c < columns.size(); ++c) {
+            columns[c].lines = lines.at(c);
         }
         // The desk's column choice says what each booking shows.
         m_grid->setBlockFields(

@@ -171,17 +171,36 @@ private slots:
         DetailsInput in = Office::fields("01||2026/11/25|9:15am|30|2");
         in.patientName = QStringLiteral("Walk In");
         QVERIFY(o.book(in));  // covers the 9:15 and 9:30 slots
-        QStringList got;
-        for (const DayLine& l : dayLines(*o.db, QStringLiteral("01"), QDate(2026, 11, 25))) {
-            got << QStringLiteral("%1 %2 %3 %4")
-                       .arg(l.time)
-                       .arg(l.length)
-                       .arg(l.slotName, l.appointment ? l.appointment->whoText() : "-");
-        }
+        const auto text = [](const QList<DayLine>& lines) {
+            QStringList got;
+            for (const DayLine& l : lines) {
+                got << QStringLiteral("%1 %2 %3 %4")
+                           .arg(l.time)
+                           .arg(l.length)
+                           .arg(l.slotName, l.appointment ? l.appointment->whoText() : "-");
+            }
+            return got.join('|');
+        };
+        const QDate wednesday(2026, 11, 25);
         QCOMPARE(
-            got.join('|'),
+            text(dayLines(*o.db, QStringLiteral("01"), wednesday)),
             QStringLiteral("540 15 Visit Smith, Ann|555 30 Physical Walk In|600 30 Physical -"));
         QCOMPARE(o.count(), 2);  // the day's empty slots are never written
+
+        // Read at once, every day is what it is alone: another doctor on the default
+        // template, the doctor's own Thursday, a booking of the other doctor on Thursday.
+        QVERIFY(o.book(Office::fields("02||2026/11/26|10:00am|15|1")));
+        const QList<DayKey> keys{{"01", wednesday},
+                                 {"02", wednesday},
+                                 {"01", wednesday.addDays(1)},
+                                 {"02", wednesday.addDays(1)}};
+        const QList<QList<DayLine>> together = dayLinesOf(*o.db, keys);
+        QCOMPARE(together.size(), keys.size());
+        for (qsizetype k = 0; k < keys.size(); ++k) {
+            QCOMPARE(text(together[k]), text(dayLines(*o.db, keys[k].doctorId, keys[k].date)));
+        }
+        QCOMPARE(text(together[2]), QStringLiteral("540 15 Visit -"));
+        QVERIFY(text(together[3]).contains("600 15 Visit"));
     }
 
     void slotTypeFillsItsDefaultsAndCardCheckIsRequested() {
