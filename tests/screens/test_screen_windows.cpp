@@ -6,6 +6,8 @@
 #include "screens/CodeEditors.h"
 #include "screens/MessageBoxPrompter.h"
 #include "screens/WindowPlace.h"
+#include "screens/frmAppBook.h"
+#include "screens/frmAppBookFind.h"
 #include "screens/frmAppDetails.h"
 #include "screens/frmAppDoctors.h"
 #include "screens/frmAppSetup.h"
@@ -85,6 +87,12 @@ struct Office : test::OfficeFixture {
          }},
         {"frmViewBatchEdit", [&] { return new frmViewBatchEdit({}, "b.txt", clock.today(), {}); }},
         {"frmViewError", [&] { return new frmViewError({}, "e.txt", clock.today(), {}, {}); }},
+        {"frmAppBook",
+         [&] {
+             return new frmAppBook(*db, settings, office.store(), prompter, clock, log, {}, {});
+         }},
+        {"frmAppBookFind",
+         [&] { return new frmAppBookFind(*db, office.store(), prompter, clock, settings); }},
     };
     Office() {
         db->exec(QStringLiteral(
@@ -179,7 +187,8 @@ private slots:
     // patients found show six at least.
     void recordWindowsFitSmallScreen_data() {
         QTest::addColumn<QString>("screen");
-        for (const char* name : {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails"}) {
+        for (const char* name :
+             {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails", "frmAppBook"}) {
             QTest::newRow(name) << QString::fromLatin1(name);
         }
     }
