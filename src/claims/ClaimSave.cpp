@@ -25,6 +25,7 @@ constexpr int kDuplicateCheckOffSwitch = 15;
 constexpr int kPremiumOneCodeSwitch = 26;
 // The appointment book's "Billed" status.
 constexpr int kBilledStatus = 6;
+constexpr int kCancelledStatus = 7;
 
 const QString kTitle = QStringLiteral("Claims");
 
@@ -116,15 +117,7 @@ std::optional<ClaimSave::Saved> ClaimSave::save(ClaimEntry& entry, bool versionC
         for (const ItemRecord& item : claim.items) {
             if (item.serviceDate.isValid() && !dates.contains(item.serviceDate)) {
                 dates.insert(item.serviceDate);
-                if (markAsBilled(claim.patientId, claim.doctorId, item.serviceDate) > 0) {
-                    logLines << QStringLiteral(
-                                    "Update appointments Set Status=%1 Where "
-                                    "PatientID=%2 And DoctorID=%3 And AppDate=%4")
-                                    .arg(kBilledStatus)
-                                    .arg(claim.patientId)
-                                    .arg(sqltext::quoteValue(claim.doctorId),
-                                         sqltext::quoteValue(datetext::isoDate(item.serviceDate)));
-                }
+                markAsBilled(claim.patientId, claim.doctorId, item.serviceDate, &logLines);
             }
         }
         claim = stored ? store.replace(claim, logLines) : store.insertNew(claim, logLines);
@@ -171,16 +164,43 @@ void ClaimSave::offerPrints(const ClaimRecord& claim) {
     }
 }
 
-int ClaimSave::markAsBilled(qint64 patientId, const QString& doctorId, const QDate& date) {
+int ClaimSave::markAsBilled(qint64 patientId, const QString& doctorId, const QDate& date,
+                            QStringList* logLines) {
     if (patientId == 0 || !date.isValid()) {
         return 0;
     }
-    QSqlQuery q = m_db.exec(
-        QStringLiteral("Update appointments Set Status=? Where PatientID=? And DoctorID=? And "
-                       "date(AppDate)=? And (Deleted Is Null Or Deleted=0)"),
-        {kBilledStatus, patientId, doctorId, datetext::isoDate(date)},
-        QStringLiteral("marking the visit billed"));
-    return q.numRowsAffected();
+    const QString visit = QStringLiteral(
+        " Where PatientID=? And DoctorID=? And date(AppDate)=? And (Deleted Is Null Or Deleted=0)");
+    const QVariantList keys{patientId, doctorId, datetext::isoDate(date)};
+    const QString notCancelled = QStringLiteral(" And (Status Is Null Or Status<>?)");
+    // A visit cancelled and booked again the same day: the booking is the one billed, the
+    // cancellation stays as it was. A cancelled visit alone (a late cancellation charged)
+    // is marked.
+    const bool anyLive =
+        m_db.scalar(QStringLiteral("Select Count(*) From appointments") + visit + notCancelled,
+                    keys + QVariantList{kCancelledStatus},
+                    QStringLiteral("looking for the visit to mark billed"))
+            .toLongLong() > 0;
+    QSqlQuery q = m_db.exec(QStringLiteral("Update appointments Set Status=?") + visit +
+                                (anyLive ? notCancelled : QString()),
+                            QVariantList{kBilledStatus} + keys +
+                                (anyLive ? QVariantList{kCancelledStatus} : QVariantList()),
+                            QStringLiteral("marking the visit billed"));
+    const int marked = q.numRowsAffected();
+    if (marked > 0 && logLines != nullptr) {
+        *logLines << QStringLiteral(
+                         "Update appointments Set Status=%1 Where PatientID=%2 And "
+                         "DoctorID=%3 And AppDate=%4 And (Deleted Is Null Or "
+                         "Deleted=0)%5")
+                         .arg(kBilledStatus)
+                         .arg(patientId)
+                         .arg(sqltext::quoteValue(doctorId),
+                              sqltext::quoteValue(datetext::isoDate(date)),
+                              anyLive ? QStringLiteral(" And (Status Is Null Or Status<>%1)")
+                                            .arg(kCancelledStatus)
+                                      : QString());
+    }
+    return marked;
 }
 
 }  // namespace brimsett

@@ -56,9 +56,12 @@ public:
     // premiums). None when the save stopped.
     std::optional<Saved> save(ClaimEntry& entry, bool versionCodeEdited);
 
-    // Marks the patient's appointments with the provider on the date billed ("Billed", 6);
-    // returns how many were marked. Part of the save's transaction when called inside one.
-    int markAsBilled(qint64 patientId, const QString& doctorId, const QDate& date);
+    // Marks the patient's visit with the provider on the date billed ("Billed", 6): every
+    // live appointment of it, or, when it has none, the cancelled ones (a late cancellation
+    // charged). Returns how many were marked and adds the statement to logLines when any
+    // was. Part of the save's transaction when called inside one.
+    int markAsBilled(qint64 patientId, const QString& doctorId, const QDate& date,
+                     QStringList* logLines = nullptr);
 
 private:
     void offerPrints(const ClaimRecord& claim);

@@ -59,11 +59,12 @@ private slots:
         sql("Insert Into servicecodes (ServiceCode, FeeGeneral) Values ('A007', 337000),"
             " ('A001', 250000)");
         sql("Insert Into servicecodesdirect (ServiceCode, Fee) Values ('X100', 250000)");
-        // Visits of patient 1: with JS on the 20th (booked) and the 21st (deleted), with KS on
-        // the 20th.
+        // Visits of patient 1: with JS on the 20th (booked, and a cancelled one beside it) and
+        // the 21st (deleted, and a cancelled one alone), with KS on the 20th.
         sql("Insert Into appointments (AppID, PatientID, DoctorID, AppDate, Status, Deleted)"
             " Values (1,1,'JS','2026-11-20',1,0), (2,1,'JS','2026-11-21',1,1),"
-            " (3,1,'KS','2026-11-20',1,0)");
+            " (3,1,'KS','2026-11-20',1,0), (4,1,'JS','2026-11-20',7,0),"
+            " (5,1,'JS','2026-11-21',7,0)");
     }
 
     void savesAnOntarioClaim() {
@@ -85,9 +86,10 @@ private slots:
         // The program came from "DefClaim"; the register keeps its version code.
         QCOMPARE(c.payProg, QString("HCP - P"));
         QCOMPARE(rows("Select VersionCode From patients"), L{"AA"});
-        // Only the live visit with the same provider on a service date is billed.
+        // The visit with the same provider on a service date is billed: the booking rather
+        // than a cancellation beside it, a cancellation when it is the day's only visit.
         QCOMPARE(rows("Select AppID, Status From appointments Order By AppID"),
-                 L({"1|6", "2|1", "3|1"}));
+                 L({"1|6", "2|1", "3|1", "4|7", "5|6"}));
         QCOMPARE(f->settings.lastSLI, QString("OFF"));
         QCOMPARE(f->settings.lastDoctor, QString("JS"));
     }
