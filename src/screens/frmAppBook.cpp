@@ -147,9 +147,15 @@ frmAppBook::frmAppBook(Database& db, AppSettings& settings, SettingsStore& store
     connect(m_tick, &QTimer::timeout, this, guarded(this, &frmAppBook::refresh));
 
     loadProviderNames();
-    QStringList shown = splitIds(settings.lastDoctorApp);
-    if (shown.isEmpty() && !m_providerNames.isEmpty()) {
-        QStringList all = m_providerNames.keys();
+    QStringList shown;
+    for (const QString& id : splitIds(settings.lastDoctorApp)) {
+        // A provider removed since is no longer shown.
+        if (m_providerIds.contains(id)) {
+            shown << m_providerIds.value(id);
+        }
+    }
+    if (shown.isEmpty() && !m_providerIds.isEmpty()) {
+        QStringList all = m_providerIds.values();
         std::sort(all.begin(), all.end());
         shown << all.first();
     }
@@ -273,9 +279,11 @@ void frmAppBook::addShortcuts() {
 
 void frmAppBook::loadProviderNames() {
     m_providerNames.clear();
+    m_providerIds.clear();
     try {
         for (const Provider& p : ProviderRegister(m_db, m_settings, m_prompter, m_log).list()) {
             m_providerNames.insert(p.doctorId.toUpper(), p.displayName());
+            m_providerIds.insert(p.doctorId.toUpper(), p.doctorId);
         }
     } catch (const DbError& e) {
         setStatus(e.message());
@@ -373,7 +381,11 @@ bool frmAppBook::setProviders(const QStringList& doctorIds) {
         m_providerEdit->setText(m_providers.join(QStringLiteral(", ")));
         return false;
     }
-    m_providers = doctorIds;
+    // Shown (and booked) as the register spells them, whatever case was typed.
+    m_providers.clear();
+    for (const QString& id : doctorIds) {
+        m_providers << m_providerIds.value(id.toUpper(), id);
+    }
     m_settings.lastDoctorApp = m_providers.join(QLatin1Char(','));
     m_providerEdit->setText(m_providers.join(QStringLiteral(", ")));
     if (!m_providers.contains(m_weekProvider)) {
@@ -385,7 +397,7 @@ bool frmAppBook::setProviders(const QStringList& doctorIds) {
 
 void frmAppBook::providersTyped() {
     const QStringList typed = splitIds(m_providerEdit->text());
-    if (typed != m_providers) {
+    if (typed.join(QLatin1Char(',')) != m_providers.join(QLatin1Char(',')).toUpper()) {
         setProviders(typed);
     }
 }
@@ -587,14 +599,14 @@ bool frmAppBook::findAppointment(qint64 appId) {
     if (!a) {
         return false;
     }
-    if (!a->doctorId.isEmpty() && !m_providers.contains(a->doctorId.toUpper())) {
+    if (!a->doctorId.isEmpty() && !m_providers.contains(a->doctorId, Qt::CaseInsensitive)) {
         QStringList shown = m_providers;
-        shown << a->doctorId.toUpper();
+        shown << a->doctorId;
         if (!setProviders(shown)) {
             return false;
         }
     }
-    m_weekProvider = a->doctorId.toUpper();
+    m_weekProvider = m_providerIds.value(a->doctorId.toUpper(), a->doctorId);
     if (m_view == View::Month) {
         m_view = View::Day;
         m_viewBox->setCurrentIndex(0);

@@ -130,7 +130,8 @@ private:
     QString m_weekProvider;
     appointments::ShownHours m_hours;
     std::optional<qint64> m_cut;
-    QHash<QString, QString> m_providerNames;
+    QHash<QString, QString> m_providerNames;  // by the number in capitals
+    QHash<QString, QString> m_providerIds;    // the register's own spelling
 
     QDateEdit* m_dateEdit = nullptr;
     QComboBox* m_viewBox = nullptr;
