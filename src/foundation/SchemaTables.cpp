@@ -129,8 +129,9 @@ std::vector<TableDefinition> claimTables() {
          " InvoiceNum Text(250), MOHClaim Text(50), AllBatches Text(250), RA Text(250)",
          "ClaimID",
          // Remittance and error reports find claims by account number; batch preparation and
-         // the pending list by batch; duplicate checks by patient; payer deletion by payer.
-         {"AcctNum", "BatchID", "PatientID", "ThirdPartyID"}},
+         // the pending list by batch; duplicate checks by patient; payer deletion by payer;
+         // past claims by doctor and by the day billed.
+         {"AcctNum", "BatchID", "PatientID", "ThirdPartyID", "DoctorID", "DateCreated"}},
         // A split part keeps its items' ItemID, so moving them back by ClaimID does not collide
         // unless the claim was edited since (its items renumbered), when the move renumbers.
         {"Items",
@@ -140,8 +141,9 @@ std::vector<TableDefinition> claimTables() {
          " Orderstatus Text(50), PlacerID Text(50), Description1 Text(50),"
          " Description2 Text(50), facility Text(50)",
          "ClaimID, ItemID",
-         // Matching an answered item: by claim, code and date; split partners by date alone.
-         {"ClaimID, ServiceCode, ServiceDate", "ServiceDate"}},
+         // Matching an answered item: by claim, code and date; split partners and past claims
+         // by date alone; past claims by a code's beginning, whatever its case.
+         {"ClaimID, ServiceCode, ServiceDate", "ServiceDate", "Lower(ServiceCode)"}},
         {"ServiceCodes",
          "ServiceCode Text(5) NOT NULL, Description Text(255), FeeGeneral Currency,"
          " FeeAssistant Currency, UnitsAssistant Integer, FeeSpecialist Currency,"

@@ -80,11 +80,17 @@ struct IndexStep {
     const char* statement;
 };
 
-constexpr std::array<IndexStep, 2> kIndexSteps = {{
+constexpr std::array<IndexStep, 5> kIndexSteps = {{
     {"patients", "LName", "idx_Patients_LowerLName",
      "CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"},
     {"appointments", "PatientName", "idx_Appointments_LowerPatientName",
      "CREATE INDEX idx_Appointments_LowerPatientName ON Appointments (Lower(PatientName))"},
+    {"claims", "DoctorID", "idx_Claims_DoctorID",
+     "CREATE INDEX idx_Claims_DoctorID ON Claims (DoctorID)"},
+    {"claims", "DateCreated", "idx_Claims_DateCreated",
+     "CREATE INDEX idx_Claims_DateCreated ON Claims (DateCreated)"},
+    {"items", "ServiceCode", "idx_Items_LowerServiceCode",
+     "CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))"},
 }};
 
 bool hasIndex(Database& db, const QString& name) {
