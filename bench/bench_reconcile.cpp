@@ -3,6 +3,7 @@
 // split), with split partners looked up. Prints the time and statements per item, the same
 // for reading the file a second time, and the plan of every matching statement with whether
 // it uses an index.
+#include "BenchClaims.h"
 #include "BenchOffice.h"
 #include "claims/ClaimRecord.h"
 #include "foundation/Database.h"
@@ -26,62 +27,15 @@ constexpr int kClaims = 400000;
 constexpr int kAwaiting = 10000;  // the newest claims, not yet answered
 constexpr int kSplitEvery = 25;   // one awaiting claim in 25 has a part split off
 constexpr int kRemittanceItems = 5000;
-const QDate kFirstDay(2025, 11, 1);
 
-struct Code {
-    const char* code;
-    int cents;
-};
-constexpr Code kCodes[] = {{"A007A", 3370}, {"E083A", 1011}, {"G010A", 354}};
+const bench::ClaimOffice kOffice({.claims = kClaims,
+                                  .firstDay = QDate(2025, 11, 1),
+                                  .days = 365,
+                                  .awaiting = kAwaiting,
+                                  .splitEvery = kSplitEvery});
 
 QString account(int n) {
-    return QStringLiteral("%1").arg(n + 1, 8, 10, QLatin1Char('0'));
-}
-QDate dayOf(int n) {
-    return kFirstDay.addDays(n % 365);
-}
-int itemsOf(int n) {
-    return n % 2 ? 3 : 2;
-}
-
-void fill(Database& db) {
-    Transaction tx(db);
-    db.exec(
-        QStringLiteral("Insert Into doctors (DoctorID, GroupNum, ProviderNum, SpecCode, "
-                       "MOHOffice) Values ('D1','0000','272278','00','J')"));
-    bench::Rows claims(db,
-                       QStringLiteral("Insert Into claims (ClaimID, AcctNum, BatchID, "
-                                      "DoctorID, PatientID, PayProg, HealthNum)"),
-                       7);
-    bench::Rows items(db,
-                      QStringLiteral("Insert Into items (ClaimID, ItemID, ServiceCode, "
-                                     "DiagCode, NumServ, FeeSubm, ServiceDate, FeePaid, "
-                                     "Status)"),
-                      9);
-    const auto item = [&](qint64 claim, int id, const Code& code, const QDate& day, bool paid) {
-        const qint64 units = qint64(code.cents) * 100;
-        items.add({claim, id, QString::fromLatin1(code.code), QStringLiteral("401"), 1, units,
-                   day.toString(Qt::ISODate), paid ? QVariant(units) : QVariant(), paid ? 2 : 0});
-    };
-    const auto claim = [&](qint64 id, int n) {
-        claims.add({id, account(n), QStringLiteral("260101000001"), QStringLiteral("D1"),
-                    1 + n % 5000, QStringLiteral("HCP - P"), QStringLiteral("1234567897")});
-    };
-    for (int n = 0; n < kClaims; ++n) {
-        const bool awaiting = n >= kClaims - kAwaiting;
-        const qint64 id = kFirstClaimId + n;
-        claim(id, n);
-        for (int i = 0; i < itemsOf(n); ++i) {
-            item(id, i + 1, kCodes[i], dayOf(n), !awaiting);
-        }
-        if (awaiting && n % kSplitEvery == 0) {
-            claim(kFirstSplitClaimId + n, n);
-            item(kFirstSplitClaimId + n, 1, {"A007B", 1200}, dayOf(n), false);
-        }
-    }
-    claims.flush();
-    items.flush();
-    tx.commit();
+    return bench::ClaimOffice::account(n);
 }
 
 QString record(const QString& text) {
@@ -100,8 +54,8 @@ QStringList remittanceLines() {
         const QString acct = n % 50 == 0 ? QStringLiteral("X%1").arg(n) : account(n);
         lines << record(QStringLiteral("HR4") + mohClaim + QStringLiteral("1272278") +
                         QStringLiteral("00") + acct.leftJustified(8) + QStringLiteral("SMITH"));
-        for (int i = 0; i < itemsOf(n) && written < kRemittanceItems; ++i, ++written) {
-            const int billed = kCodes[i].cents;
+        for (int i = 0; i < kOffice.itemsOf(n) && written < kRemittanceItems; ++i, ++written) {
+            const int billed = kOffice.codeOf(n, i).cents;
             int paid = billed;
             QString expl;
             if (written % 7 == 0) {
@@ -114,8 +68,9 @@ QStringList remittanceLines() {
                 expl = QStringLiteral("30");
             }
             lines << record(QStringLiteral("HR5") + mohClaim + QLatin1Char('1') +
-                            dayOf(n).toString(QStringLiteral("yyyyMMdd")) + QStringLiteral("01") +
-                            QLatin1String(kCodes[i].code) + QLatin1Char(' ') +
+                            kOffice.dayOf(n).toString(QStringLiteral("yyyyMMdd")) +
+                            QStringLiteral("01") + QLatin1String(kOffice.codeOf(n, i).code) +
+                            QLatin1Char(' ') +
                             QString::number(billed).rightJustified(6, QLatin1Char('0')) +
                             QString::number(paid).rightJustified(6, QLatin1Char('0')) +
                             QLatin1Char(' ') + expl);
@@ -152,7 +107,7 @@ int main(int argc, char** argv) {
     bench::Office office;
     const QString folder = office.folder();
     Database* db = office.db.get();
-    const qint64 built = office.fill([](Database& d) { fill(d); });
+    const qint64 built = office.fill([](Database& d) { kOffice.fill(d); });
     out << "office: " << db->scalar(QStringLiteral("Select Count(*) From claims")).toInt()
         << " claims, " << db->scalar(QStringLiteral("Select Count(*) From items")).toInt()
         << " items, built in " << built << " ms on " << bench::engine(*db) << "\n";
