@@ -1,5 +1,6 @@
 #include "claims/ClaimChecks.h"
 #include "claims/ClaimFieldForms.h"
+#include "claims/DiagnosticCodes.h"
 #include "claims/DirectCodes.h"
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
@@ -194,12 +195,8 @@ QStringList ClaimChecks::problemsOfRow(const ClaimEntry& claim, const ItemEntry&
     if (!diag.isEmpty()) {
         if (!claimform::isDiagnosticCode(diag)) {
             problems << quotedInMessage(diag) + QStringLiteral(" is not a valid diagnostic code.");
-        } else if (m_db.scalar(QStringLiteral("Select Case When Exists (Select 1 From diagcodes"
-                                              " Where Trim(DiagCode)=?) Or Not Exists (Select 1"
-                                              " From diagcodes) Then 1 Else 0 End"),
-                               {diag}, QStringLiteral("CheckRows: looking for the diagnostic code"))
-                       .toInt() == 0) {
-            // A new office's list is empty; the list only speaks once it has been filled.
+        } else if (!diagcodes::isListed(
+                       m_db, diag, QStringLiteral("CheckRows: looking for the diagnostic code"))) {
             problems << quotedInMessage(diag) +
                             QStringLiteral(
                                 " is not listed in Brimsett as a valid diagnostic code.");

@@ -283,6 +283,21 @@ void ClaimStore::resubmit(qint64 claimId) {
                      itemUpdate.finishUpdate(condition + number)});
 }
 
+void ClaimStore::closeRejection(qint64 claimId) {
+    const auto rejected = static_cast<int>(ItemStatus::Rejected);
+    const auto closed = static_cast<int>(ItemStatus::RejectedClosed);
+    {
+        Transaction tx(m_db, QStringLiteral("closing the rejection of claim %1").arg(claimId));
+        m_db.exec(QStringLiteral("Update items Set Status=? Where ClaimID=? And Status=?"),
+                  {closed, claimId, rejected});
+        tx.commit();
+    }
+    m_log.write(QStringLiteral("Update items Set Status=%1 Where ClaimID=%2 And Status=%3")
+                    .arg(closed)
+                    .arg(claimId)
+                    .arg(rejected));
+}
+
 void ClaimStore::confirmAutomatic() {
     m_db.exec(QStringLiteral("Update claims Set ACFlag=0 Where BatchID=?"), {kPendingBatch},
               QStringLiteral("confirming automatic claims"));

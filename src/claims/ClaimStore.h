@@ -55,6 +55,9 @@ public:
     // Puts a claim back to pending: `BatchID` to pending and `DateCreated` today; every item
     // back to status 0 with `FeePaid` and `Errors` NULL. `AllBatches` keeps the earlier batch.
     void resubmit(qint64 claimId);
+    // Closes the claim's rejection: its rejected items (status 1) become "Rejected Closed"
+    // (status 3); the others keep their state.
+    void closeRejection(qint64 claimId);
     // Confirms every pending automatic claim (`ACFlag` false).
     void confirmAutomatic();
 

@@ -24,6 +24,9 @@ class Report;
 // marking an invoice's claims paid.
 namespace brimsett::pastclaims {
 
+// The title of the screen and of the messages its searches give.
+inline const QString kTitle = QStringLiteral("Past Claims");
+
 enum class DateBasis { ServiceDate, BilledDate };
 enum class StatusFilter { All, Pending, Submitted, Rejected, RejectedClosed, Paid };
 
@@ -55,6 +58,10 @@ struct Condition {
     QStringList problems;
 };
 Condition buildCondition(Database& db, const Filters& filters);
+
+// Whether the invoice number is in `Invoices`, and what is said when it is not.
+bool invoiceOnFile(Database& db, const QString& invoiceNum);
+QString invoiceNotFound(const QString& invoiceNum);
 
 // One row of the grid: "Doc.", "Account", "Pat.ID", "Patient Name", "Ch. To", "Service",
 // "Diag", "Date", "Fee", "Paid".
@@ -106,6 +113,9 @@ struct PatientLine {
 };
 std::optional<QList<PatientLine>> patientList(Database& db, Prompter& prompter,
                                               const Filters& filters);
+// The lines under the list: the count with " unique patients found." and "Grand Total:"
+// with the period's fees and what was paid of them.
+QStringList patientListTotals(const QList<PatientLine>& lines, const MoneyFormat& format = {});
 
 // The rejected items of the filters (status 1) with "Error Code", "Items", the fee and
 // "Errors": each code's `Description` from `ExplCodes`.
