@@ -1,15 +1,13 @@
-#include "claims/ClaimRecord.h"
 #include "claims/PayProgram.h"
 #include "foundation/Database.h"
 #include "foundation/Prompter.h"
-#include "foundation/RecordValues.h"
 #include "ministry/PastClaims.h"
+#include "patients/PatientEntry.h"
 
 #include <QHash>
 #include <QMap>
 #include <QSet>
 #include <QSqlQuery>
-#include <QSqlRecord>
 
 namespace brimsett::pastclaims {
 
@@ -120,35 +118,35 @@ std::optional<Found> findItems(Database& db, Prompter& prompter, const Filters& 
     if (!c) {
         return std::nullopt;
     }
-    // LName and FName are the claim's own copy: the name the claim was billed under.
-    QSqlQuery q = db.exec(QStringLiteral("Select I.*, C.DoctorID, C.AcctNum, C.PatientID, C.LName,"
-                                         " C.FName, C.PayProg, C.BatchID, C.InvoiceNum") +
-                              kJoin + whereOf(*c) + QStringLiteral(" Order By ") + sort,
-                          c->values, QStringLiteral("Past Claims: finding the items"));
+    // LName and FName are the claim's own copy: the name the claim was billed under. Columns
+    // are read by place: a large export reads every row.
+    QSqlQuery q = db.exec(
+        QStringLiteral("Select C.ClaimID, I.ItemID, C.DoctorID, C.AcctNum, C.PatientID, C.LName,"
+                       " C.FName, C.PayProg, I.ServiceCode, I.DiagCode, I.ServiceDate, I.FeeSubm,"
+                       " I.FeePaid, I.Status, C.BatchID, C.InvoiceNum, I.Errors") +
+            kJoin + whereOf(*c) + QStringLiteral(" Order By ") + sort,
+        c->values, QStringLiteral("Past Claims: finding the items"));
     Found found;
     while (q.next()) {
-        const QSqlRecord r = q.record();
-        const ItemRecord item = ItemRecord::fromRecord(r);
         PastItem p;
-        p.claimId = item.claimId;
-        p.itemId = item.itemId;
-        p.doctorId = recordvalue::textOf(r, "DoctorID").trimmed();
-        p.acctNum = recordvalue::textOf(r, "AcctNum");
-        p.patientId = recordvalue::of(r, "PatientID").toLongLong();
-        p.patientName = lastFirst(recordvalue::textOf(r, "LName").trimmed(),
-                                  recordvalue::textOf(r, "FName").trimmed());
-        p.payProg = recordvalue::textOf(r, "PayProg");
-        p.serviceCode = item.serviceCode;
-        p.diagCode = item.diagCode;
-        p.serviceDate = item.serviceDate;
-        p.feeSubm = item.feeSubm;
-        p.feePaid = item.feePaid;
-        p.status = item.status;
-        p.batchId = recordvalue::textOf(r, "BatchID");
-        p.invoiceNum = recordvalue::textOf(r, "InvoiceNum");
-        p.errors = item.errors;
-        found.fee += item.feeSubm.value_or(Money());
-        found.paid += item.feePaid.value_or(Money());
+        p.claimId = q.value(0).toLongLong();
+        p.itemId = q.value(1).toInt();
+        p.doctorId = q.value(2).toString().trimmed();
+        p.acctNum = q.value(3).toString();
+        p.patientId = q.value(4).toLongLong();
+        p.patientName = lastFirst(q.value(5).toString().trimmed(), q.value(6).toString().trimmed());
+        p.payProg = q.value(7).toString();
+        p.serviceCode = q.value(8).toString();
+        p.diagCode = q.value(9).toString();
+        p.serviceDate = readTypedDate(dateTextOf(q.value(10)));
+        p.feeSubm = Money::fromVariant(q.value(11));
+        p.feePaid = Money::fromVariant(q.value(12));
+        p.status = q.value(13).toInt();
+        p.batchId = q.value(14).toString();
+        p.invoiceNum = q.value(15).toString();
+        p.errors = q.value(16).toString();
+        found.fee += p.feeSubm.value_or(Money());
+        found.paid += p.feePaid.value_or(Money());
         found.items << p;
     }
     q.finish();
@@ -177,25 +175,24 @@ std::optional<QList<PatientLine>> patientList(Database& db, Prompter& prompter,
     QList<PatientLine> lines;
     QHash<qint64, qsizetype> lineOf;
     while (q.next()) {
-        const QSqlRecord r = q.record();
-        const qint64 patient = r.value(0).toLongLong();
+        const qint64 patient = q.value(0).toLongLong();
         auto at = lineOf.find(patient);
         if (at == lineOf.end()) {
             PatientLine line;
             line.patientId = patient;
-            line.name = lastFirst(r.value(1).toString().trimmed(), r.value(2).toString().trimmed());
+            line.name = lastFirst(q.value(1).toString().trimmed(), q.value(2).toString().trimmed());
             at = lineOf.insert(patient, lines.size());
             lines << line;
         }
         PatientLine& line = lines[*at];
-        const ItemRecord item = ItemRecord::fromRecord(r);
+        const QDate date = readTypedDate(dateTextOf(q.value(4)));
         // Rows come in service-date order: the last one read is the latest service.
-        if (!line.lastDate.isValid() || item.serviceDate >= line.lastDate) {
-            line.lastDate = item.serviceDate;
-            line.lastService = item.serviceCode;
+        if (!line.lastDate.isValid() || date >= line.lastDate) {
+            line.lastDate = date;
+            line.lastService = q.value(3).toString();
         }
-        line.fees += item.feeSubm.value_or(Money());
-        line.paid += item.feePaid.value_or(Money());
+        line.fees += Money::fromVariant(q.value(5)).value_or(Money());
+        line.paid += Money::fromVariant(q.value(6)).value_or(Money());
     }
     return lines;
 }
