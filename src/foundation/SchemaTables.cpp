@@ -130,8 +130,9 @@ std::vector<TableDefinition> claimTables() {
          "ClaimID",
          // Remittance and error reports find claims by account number; batch preparation and
          // the pending list by batch; duplicate checks by patient; payer deletion by payer;
-         // past claims by doctor and by the day billed.
-         {"AcctNum", "BatchID", "PatientID", "ThirdPartyID", "DoctorID", "DateCreated"}},
+         // past claims by doctor (with the claim, so a date of its items is looked at before
+         // the claim is read) and by the day billed.
+         {"AcctNum", "BatchID", "PatientID", "ThirdPartyID", "DoctorID, ClaimID", "DateCreated"}},
         // A split part keeps its items' ItemID, so moving them back by ClaimID does not collide
         // unless the claim was edited since (its items renumbered), when the move renumbers.
         {"Items",

@@ -55,7 +55,7 @@ void TestSchemaUpgrade::missingIndexIsMadeOnce() {
          {QString("CREATE INDEX idx_Appointments_LowerPatientName ON "
                   "Appointments (Lower(PatientName))"),
           QString("CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"),
-          QString("CREATE INDEX idx_Claims_DoctorID ON Claims (DoctorID)"),
+          QString("CREATE INDEX idx_Claims_DoctorID_ClaimID ON Claims (DoctorID, ClaimID)"),
           QString("CREATE INDEX idx_Claims_DateCreated ON Claims (DateCreated)"),
           QString("CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))")}) {
         db->exec("DROP INDEX " + statement.section(' ', 2, 2));
