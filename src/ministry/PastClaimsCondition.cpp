@@ -105,12 +105,9 @@ void addDates(const Filters& f, Parts& parts, QStringList& problems) {
         parts.add(column + QStringLiteral(">=?"), {*start});
     }
     if (end && !badEnd) {
-        // The day a claim was made is a moment of that day: the whole end day counts.
-        if (billed) {
-            parts.add(column + QStringLiteral("<?"), {end->addDays(1)});
-        } else {
-            parts.add(column + QStringLiteral("<=?"), {*end});
-        }
+        // Before the next day: the day a claim was made is a moment of that day (and a date
+        // copied from an older database may carry a time), so the whole end day counts.
+        parts.add(column + QStringLiteral("<?"), {end->addDays(1)});
     }
 }
 

@@ -70,6 +70,9 @@ struct PastOffice : test::BatchOffice {
                 c.invoiceNum = QStringLiteral("55!");
                 c.ra = QStringLiteral("PK777777.001 20261115!");
             });
+        // A service date copied from an older database with its time.
+        db->exec(QStringLiteral(
+            "Update items Set ServiceDate='2026-02-05 10:00:00' Where ClaimID=2 And ItemID=2"));
         add(3, "CD", "HCP - P", "202603000003", 1, QDateTime(QDate(2026, 3, 2), QTime(8, 0)),
             {{"A007A", "33.70", QDate(2026, 3, 1), 2, "30.00", {}, "250"},
              {"K005A", "60.00", QDate(2026, 3, 1), 1, nullptr, "EH,AD", "250"},
