@@ -8,6 +8,7 @@
 #include "screens/AppSetupScreens.h"
 #include "screens/ClaimScreens.h"
 #include "screens/CodeScreens.h"
+#include "screens/PastClaimsScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
 #include "screens/SlotGuard.h"
@@ -163,6 +164,8 @@ void AppShell::registerScreens() {
                           m_prompter, m_clock, appDetails, billAppointment, m_main.get());
     registerTransferScreens(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
+    registerPastClaimsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
+                             m_clock, m_sqlLog, m_session.money, m_main.get());
 }
 
 void AppShell::openOptions() {

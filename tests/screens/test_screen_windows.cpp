@@ -22,6 +22,8 @@
 #include "screens/frmOHIPCodes.h"
 #include "screens/frmOptions.h"
 #include "screens/frmPasswords.h"
+#include "screens/frmPastClaims.h"
+#include "screens/frmPastClaimsReject.h"
 #include "screens/frmPatients.h"
 #include "screens/frmPrepare.h"
 #include "screens/frmReceive.h"
@@ -93,6 +95,19 @@ struct Office : test::OfficeFixture {
          }},
         {"frmAppBookFind",
          [&] { return new frmAppBookFind(*db, office.store(), prompter, clock, settings); }},
+        {"frmPastClaims",
+         [&] {
+             // Every filter shown, so that all their letters are checked.
+             for (const char* key : {"EnablePCStatus", "EnableRA", "EnablePastFac"}) {
+                 office.store().save("Options", key, "1");
+             }
+             return new frmPastClaims(*db, settings, office.store(), prompter, clock, log, {});
+         }},
+        {"frmPastClaimsReject",
+         [&] {
+             return new frmPastClaimsReject({{"EH1", 2, Money::fromCents(7400), "Service date"}},
+                                            {}, {});
+         }},
     };
     Office() {
         db->exec(QStringLiteral(
@@ -187,8 +202,8 @@ private slots:
     // patients found show six at least.
     void recordWindowsFitSmallScreen_data() {
         QTest::addColumn<QString>("screen");
-        for (const char* name :
-             {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails", "frmAppBook"}) {
+        for (const char* name : {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails",
+                                 "frmAppBook", "frmPastClaims"}) {
             QTest::newRow(name) << QString::fromLatin1(name);
         }
     }
