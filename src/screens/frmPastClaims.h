@@ -82,6 +82,20 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The grid's columns, in the captions' order.
+    enum Column {
+        DocColumn,
+        AccountColumn,
+        PatientColumn,
+        NameColumn,
+        ProgramColumn,
+        ServiceColumn,
+        DiagColumn,
+        DateColumn,
+        FeeColumn,
+        PaidColumn
+    };
+
     QWidget* buildFilters();
     QWidget* buildList();
     QWidget* buildButtons();

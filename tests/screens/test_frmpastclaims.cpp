@@ -1,7 +1,9 @@
 #include "../ministry/BatchOffice.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/SettingsStore.h"
+#include "screens/ClaimScreens.h"
 #include "screens/PastClaimsScreens.h"
+#include "screens/frmClaim.h"
 #include "screens/frmPastClaims.h"
 #include "screens/frmPastClaimsReject.h"
 
@@ -104,17 +106,23 @@ struct Desk : test::BatchOffice {
         }
     }
 
-    void open() {
+    // The window as the menu opens it; claim entry is only watched unless asked for.
+    void open(bool withClaimEntry = false) {
         registerPastClaimsScreen(registry, *db, settings, office.store(), prompter, clock, log, {},
                                  &owner);
         QVERIFY(registry.runAction(kActionPastClaims));
         QVERIFY(registry.runAction(kActionPastClaims));  // the same window again
         QCOMPARE(owner.findChildren<frmPastClaims*>().size(), 1);
         window = owner.findChild<frmPastClaims*>();
-        window->setClaimOpener([this](qint64 id) {
-            opened << id;
-            return true;
-        });
+        if (withClaimEntry) {
+            registerClaimScreen(registry, *db, settings, office.store(), prompter, clock, log, {},
+                                &owner);
+        } else {
+            window->setClaimOpener([this](qint64 id) {
+                opened << id;
+                return true;
+            });
+        }
         QApplication::setActiveWindow(window);
         QVERIFY(QTest::qWaitForWindowActive(window));
     }
@@ -397,6 +405,19 @@ private slots:
         desk.click("cmdOpen");
         QCOMPARE(desk.opened, (QList<qint64>{pending, another}));
         QCOMPARE(desk.batchOf(another), QString(kPendingBatch));
+    }
+
+    // A pending claim opens in the claim entry window the menu keeps.
+    void opensTheClaimInClaimEntry() {
+        Desk desk;
+        desk.open(true);
+        desk.enterIn("txtDiag");
+        desk.selectClaim(desk.made[5].claimId);
+        desk.click("cmdOpen");
+        auto* claims = desk.owner.findChild<frmClaim*>();
+        QVERIFY(claims && claims->isVisible());
+        QCOMPARE(claims->entryOnScreen().claimId, desk.made[5].claimId);
+        QCOMPARE(claims->entryOnScreen().lName, desk.made[5].last);
     }
 
     // "Show rejected" lists each code of the filters' rejected items with its text; the
