@@ -50,12 +50,15 @@ void addDoctor(Database& db, const Filters& f, Parts& parts, QStringList& proble
         problems << quotedInMessage(typed) + QStringLiteral(" is not a valid doctor.");
         return;
     }
-    if (f.includeNoDoctor) {
-        parts.add(QStringLiteral("(C.DoctorID=? Or C.DoctorID Is Null Or C.DoctorID='')"),
-                  {doctor});
-    } else {
-        parts.add(QStringLiteral("C.DoctorID=?"), {doctor});
-    }
+    // The doctor's claim numbers come from the doctor's index alone: a server would otherwise
+    // read every page of the claims (each page holds every doctor's) before a period of
+    // service narrows them.
+    const QString doctors =
+        f.includeNoDoctor ? QStringLiteral("D.DoctorID=? Or D.DoctorID Is Null Or D.DoctorID=''")
+                          : QStringLiteral("D.DoctorID=?");
+    parts.add(QStringLiteral("C.ClaimID In (Select D.ClaimID From claims D Where ") + doctors +
+                  QLatin1Char(')'),
+              {doctor});
 }
 
 void addProgram(const Filters& f, Parts& parts, QStringList& problems) {
