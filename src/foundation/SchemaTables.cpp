@@ -143,8 +143,9 @@ std::vector<TableDefinition> claimTables() {
          " Description2 Text(50), facility Text(50)",
          "ClaimID, ItemID",
          // Matching an answered item: by claim, code and date; split partners and past claims
-         // by date alone; past claims by a code's beginning, whatever its case.
-         {"ClaimID, ServiceCode, ServiceDate", "ServiceDate", "Lower(ServiceCode)"}},
+         // by date alone; past claims by a code's beginning, whatever its case, and by
+         // facility (the few items naming one are listed without reading the rest).
+         {"ClaimID, ServiceCode, ServiceDate", "ServiceDate", "Lower(ServiceCode)", "facility"}},
         {"ServiceCodes",
          "ServiceCode Text(5) NOT NULL, Description Text(255), FeeGeneral Currency,"
          " FeeAssistant Currency, UnitsAssistant Integer, FeeSpecialist Currency,"

@@ -80,7 +80,7 @@ struct IndexStep {
     const char* statement;
 };
 
-constexpr std::array<IndexStep, 5> kIndexSteps = {{
+constexpr std::array<IndexStep, 6> kIndexSteps = {{
     {"patients", "LName", "idx_Patients_LowerLName",
      "CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"},
     {"appointments", "PatientName", "idx_Appointments_LowerPatientName",
@@ -91,6 +91,8 @@ constexpr std::array<IndexStep, 5> kIndexSteps = {{
      "CREATE INDEX idx_Claims_DateCreated ON Claims (DateCreated)"},
     {"items", "ServiceCode", "idx_Items_LowerServiceCode",
      "CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))"},
+    {"items", "facility", "idx_Items_facility",
+     "CREATE INDEX idx_Items_facility ON Items (facility)"},
 }};
 
 bool hasIndex(Database& db, const QString& name) {

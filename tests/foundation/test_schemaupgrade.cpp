@@ -57,7 +57,8 @@ void TestSchemaUpgrade::missingIndexIsMadeOnce() {
           QString("CREATE INDEX idx_Patients_LowerLName ON Patients (Lower(LName))"),
           QString("CREATE INDEX idx_Claims_DoctorID_ClaimID ON Claims (DoctorID, ClaimID)"),
           QString("CREATE INDEX idx_Claims_DateCreated ON Claims (DateCreated)"),
-          QString("CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))")}) {
+          QString("CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))"),
+          QString("CREATE INDEX idx_Items_facility ON Items (facility)")}) {
         db->exec("DROP INDEX " + statement.section(' ', 2, 2));
         QStringList executed;
         QVERIFY(upgradeSchema(*db, &executed));
@@ -78,14 +79,16 @@ void TestSchemaUpgrade::oldDatabaseGetsEveryMissingColumnAndTable() {
 
     QStringList executed;
     QVERIFY(!upgradeSchema(*db, &executed));
-    QCOMPARE(executed.size(), 35 + 4 + 1);
+    QCOMPARE(executed.size(), 35 + 4 + 2);
     QCOMPARE(executed.first(), QString("ALTER TABLE claims ADD SLI Text(4);"));
     QCOMPARE(executed.at(34), QString("ALTER TABLE Doctors ADD SLI text(30);"));
     QVERIFY(
         executed.at(35).startsWith("Create Table HNBatches (BatchID text(12),MOHUserID text(8),"));
-    // The items have their code: its index is made; the claims have no doctor, so no index.
-    QCOMPARE(executed.last(),
-             QString("CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))"));
+    // The items have their code and now their facility: their indexes are made; the claims
+    // have no doctor, so no index of it.
+    QCOMPARE(executed.mid(35 + 4),
+             QStringList({"CREATE INDEX idx_Items_LowerServiceCode ON Items (Lower(ServiceCode))",
+                          "CREATE INDEX idx_Items_facility ON Items (facility)"}));
     for (const char* table : {"HNBatches", "OtherParams", "Invoices", "EnhFee"}) {
         QVERIFY2(db->hasTable(table), table);
     }
