@@ -265,7 +265,7 @@ void frmPastClaims::showFound(std::optional<std::pair<qint64, int>> keep) {
 
 QString frmPastClaims::totalsLine() const {
     return QStringLiteral("Total Fee: %1    Total Paid: %2")
-        .arg(m_found.fee.format(m_money), m_found.paid.format(m_money));
+        .arg(m_found.fee.currency(m_money), m_found.paid.currency(m_money));
 }
 
 QString frmPastClaims::statusLine() const {

@@ -63,6 +63,11 @@ struct Desk : test::BatchOffice {
         db->exec(
             "Insert Into ExplCodes (ExplCode, Description) Values"
             " ('EH', 'Health number not eligible'), ('A2', 'Service date in the future')");
+        db->exec(
+            "Insert Into ServiceCodes (ServiceCode, Description) Values"
+            " ('A007', 'Intermediate assessment'), ('A001', 'Minor assessment'),"
+            " ('A003', 'General assessment'), ('K005', 'Primary mental health care'),"
+            " ('K013', 'Counselling - individual care')");
         const QStringList lasts = {"Young",  "Abbott", "Nolan", "Baker",
                                    "Moreau", "Abbott", "Singh", "Chen"};
         const QStringList firsts = {"Zoe", "Ann", "Paul", "Carl", "Lise", "Bob", "Ravi", "Mei"};
@@ -483,6 +488,9 @@ private slots:
                                                              suffix));
             QCOMPARE(desk.window->size(), QSize(size.width(), size.height() - 40));
         }
+        desk.click("cmdPatients");
+        auto* patients = desk.window->findChild<QWidget*>("frmPastClaimsPatients");
+        QVERIFY(patients && patients->grab().save(shots() + "/frmPastClaimsPatients.png"));
     }
 };
 
