@@ -50,6 +50,14 @@ const QStringList& statusNames() {
     return names;
 }
 
+// A claim the ministry answered: one sent in a batch, not a direct or third party claim
+// (whose batch is their program's marker); only such a claim goes back to pending.
+bool sentToMinistry(const pastclaims::PastItem& item) {
+    return item.batchId != kPendingBatch &&
+           item.batchId != batchIdForProgram(payprog::storedForm(payprog::Direct)) &&
+           item.batchId != batchIdForProgram(payprog::storedForm(payprog::ThirdParty));
+}
+
 QString amount(const std::optional<Money>& value, const MoneyFormat& format) {
     return value ? value->format(format) : QString();
 }
@@ -294,7 +302,7 @@ std::optional<pastclaims::PastItem> frmPastClaims::currentItem() const {
 void frmPastClaims::updateButtons() {
     const std::optional<pastclaims::PastItem> item = currentItem();
     m_cmdOpen->setEnabled(item.has_value() && m_openClaim);
-    m_cmdResubmit->setEnabled(item && item->batchId != kPendingBatch);
+    m_cmdResubmit->setEnabled(item && sentToMinistry(*item));
     m_cmdCloseReject->setEnabled(item && item->status == static_cast<int>(ItemStatus::Rejected));
 }
 
@@ -394,11 +402,10 @@ void frmPastClaims::markInvoicePaid() {
         m_invoice->setFocus();
         return;
     }
-    setStatus(QStringLiteral("%1 items of invoice %2 marked paid.").arg(*marked).arg(invoice));
     if (!m_found.items.isEmpty()) {
         refresh();
-        setStatus(QStringLiteral("%1 items of invoice %2 marked paid.").arg(*marked).arg(invoice));
     }
+    setStatus(QStringLiteral("%1 items of invoice %2 marked paid.").arg(*marked).arg(invoice));
 }
 
 void frmPastClaims::showRejected() {
@@ -423,8 +430,9 @@ void frmPastClaims::openClaim() {
     if (!item || !m_openClaim) {
         return;
     }
-    // Only a pending claim may be changed: an answered one goes back to pending first.
-    if (item->batchId != kPendingBatch) {
+    // Only a pending claim may be changed: one the ministry answered goes back to pending
+    // first. Claim entry itself says why any other claim stays as it is.
+    if (sentToMinistry(*item)) {
         resubmit();
         const std::optional<pastclaims::PastItem> now = currentItem();
         if (!now || now->claimId != item->claimId || now->batchId != kPendingBatch) {
@@ -436,7 +444,7 @@ void frmPastClaims::openClaim() {
 
 void frmPastClaims::resubmit() {
     const std::optional<pastclaims::PastItem> item = currentItem();
-    if (!item || item->batchId == kPendingBatch) {
+    if (!item || !sentToMinistry(*item)) {
         return;
     }
     if (!m_prompter.confirm(

@@ -43,6 +43,7 @@ struct Made {
     QString allBatches;
     QString invoice;
     QString errors;
+    QString payProg = "HCP - P";
 };
 
 // A year of an office's claims: two doctors, eight patients, every state of an item, a
@@ -93,10 +94,16 @@ struct Desk : test::BatchOffice {
                 m.allBatches = QString(kBatch) + "!" + kLaterBatch;
             }
             m.invoice = i == 11 ? "10!" : i == 12 ? "104!" : QString();
+            if (i == 13) {  // billed to the patient, never to the ministry
+                m.payProg = "Direct";
+                m.batch = batchIdForProgram(m.payProg);
+                m.allBatches.clear();
+                m.status = 0;
+            }
             m.errors = m.status == 1 ? (i % 2 ? "EH" : "A2") : QString();
             made << m;
             claim(m.claimId, QString::number(i + 1).rightJustified(8, '0'), m.doctor,
-                  {{m.code, m.fee, m.date}}, "HCP - P", [&](ClaimRecord& c) {
+                  {{m.code, m.fee, m.date}}, m.payProg, [&](ClaimRecord& c) {
                       c.batchId = m.batch;
                       c.allBatches = m.allBatches;
                       c.patientId = i % 8 + 1;
@@ -410,6 +417,15 @@ private slots:
         desk.click("cmdOpen");
         QCOMPARE(desk.opened, (QList<qint64>{pending, another}));
         QCOMPARE(desk.batchOf(another), QString(kPendingBatch));
+
+        const qint64 direct = desk.made[13].claimId;  // opened as it is, never resubmitted
+        desk.selectClaim(direct);
+        QVERIFY(!desk.child<QPushButton>("cmdResubmit")->isEnabled());
+        const int asked = desk.prompter.messages().size();
+        desk.click("cmdOpen");
+        QCOMPARE(desk.opened.last(), direct);
+        QCOMPARE(desk.prompter.messages().size(), asked);
+        QCOMPARE(desk.batchOf(direct), desk.made[13].batch);
     }
 
     // A pending claim opens in the claim entry window the menu keeps.
