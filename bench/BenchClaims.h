@@ -264,7 +264,8 @@ private:
         }
     }
 
-    static void fillCodes(Database& db) {
+    void fillCodes(Database& db) const {
+        QSet<QString> billed;
         Rows patients(db,
                       QStringLiteral("Insert Into patients (PatientID, HealthNum, FName, LName, "
                                      "City, Province)"),
@@ -275,6 +276,22 @@ private:
                           QStringLiteral("ON")});
         }
         patients.flush();
+        // A schedule of about the ministry's size, with the codes billed among them.
+        Rows codes(db, QStringLiteral("Insert Into servicecodes (ServiceCode, Description)"), 2);
+        for (int c = 0; c < 7000; ++c) {
+            codes.add({QStringLiteral("X%1").arg(c, 4, 10, QLatin1Char('0')),
+                       QStringLiteral("Schedule code %1").arg(c)});
+        }
+        for (int n = 0; n < 5000; ++n) {
+            for (int i = 0; i < 3; ++i) {
+                const QString code = QString::fromLatin1(codeOf(n, i).code).left(4);
+                if (!billed.contains(code)) {
+                    billed << code;
+                    codes.add({code, QStringLiteral("Service %1").arg(code)});
+                }
+            }
+        }
+        codes.flush();
         for (int t = 1; t <= 3; ++t) {
             db.exec(QStringLiteral("Insert Into thirdparty (ThirdPartyID, Name) Values (?, ?)"),
                     {t, QStringLiteral("Payer %1").arg(t)});
