@@ -67,10 +67,7 @@ int main(int argc, char** argv) {
     bench::Office office;
     Database* db = office.db.get();
     const qint64 built = office.fill([](Database& d) { kOffice.fill(d); });
-    out << "office: " << db->scalar(QStringLiteral("Select Count(*) From claims")).toInt()
-        << " claims, " << db->scalar(QStringLiteral("Select Count(*) From items")).toInt()
-        << " items, built in " << built << " ms on " << bench::engine(*db) << "\n";
-    out.flush();
+    bench::ClaimOffice::tell(out, *db, built);
 
     RecordingPrompter prompter;
     const auto find = [&](const pastclaims::Filters& filters) {
