@@ -166,10 +166,10 @@ QString sorted(const QString& list) {
     return parts.join(QLatin1Char(' '));
 }
 
-Filters filtersOf(const QString& spec) {
+Filters filtersOf(const QString& typed) {
     // "key=value|key=value": the filters the desk typed or chose.
     Filters f;
-    for (const QString& pair : spec.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+    for (const QString& pair : typed.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
         const QString key = pair.section(QLatin1Char('='), 0, 0);
         const QString value = pair.section(QLatin1Char('='), 1);
         if (key == QLatin1String("doctor"))
