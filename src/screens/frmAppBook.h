@@ -1,5 +1,6 @@
 #pragma once
 
+#include "appointments/AppointmentDetails.h"
 #include "appointments/BookBilling.h"
 #include "appointments/BookHours.h"
 
@@ -108,6 +109,10 @@ private:
     void reloadMonth();
     void monthCellChosen();
     bool handleDeskKey(QKeyEvent* event);
+    // Loads the appointment, applies change and saves it through the book; the view is read
+    // again with it selected. False when nothing was saved (told through the prompter).
+    bool changeAppointment(qint64 appId,
+                           const std::function<void(appointments::DetailsInput&)>& change);
     QString providerName(const QString& doctorId) const;
     QString currentDoctor() const;
     QDate currentDate() const;
