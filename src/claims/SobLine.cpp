@@ -1,5 +1,6 @@
 #include "claims/SobLine.h"
 
+#include "foundation/DateText.h"
 #include "patients/HealthNumbers.h"
 
 namespace brimsett::sob {
@@ -12,8 +13,8 @@ constexpr int kDollarDigits = 7;
 const char* const kFeeNames[SobLine::kFeeCount] = {
     "general practitioner", "assistant", "specialist", "anaesthetist", "non-anaesthetist"};
 
-// "yyyymmdd" or "yymmdd"; a day of "00" is the first of the month. Two-digit years 00 to 29
-// are this century's, 30 to 99 the last one's (the window the old office computers used).
+// "yyyymmdd" or "yymmdd" (the shared two-digit year window); a day of "00" is the first of
+// the month.
 QDate readDate(QStringView text) {
     if (!hn::allDigits(text)) {
         return {};
@@ -21,7 +22,7 @@ QDate readDate(QStringView text) {
     const bool shortYear = text.size() == 6;
     int year = text.left(shortYear ? 2 : 4).toInt();
     if (shortYear) {
-        year += year < 30 ? 2000 : 1900;
+        year = datetext::fullYear(year);
     }
     const int month = text.mid(shortYear ? 2 : 4, 2).toInt();
     const int day = std::max(1, text.right(2).toInt());

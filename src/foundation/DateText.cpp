@@ -45,6 +45,19 @@ QDate fromSlashed(const QString& text) {
     return strict(text, form);
 }
 
+int fullYear(int twoDigitYear) {
+    return twoDigitYear + (twoDigitYear < 30 ? 2000 : 1900);
+}
+
+QDate fromYymmdd(const QString& text) {
+    static const QRegularExpression form(QStringLiteral("^(\\d{2})(\\d{2})(\\d{2})$"));
+    const auto m = form.match(text);
+    if (!m.hasMatch()) {
+        return {};
+    }
+    return QDate(fullYear(m.captured(1).toInt()), m.captured(2).toInt(), m.captured(3).toInt());
+}
+
 QString isoDate(const QDate& date) {
     return date.isValid() ? date.toString(Qt::ISODate) : QString();
 }

@@ -17,6 +17,12 @@ QString stamp(const QDateTime& moment);  // "20261122-143005" for file names
 QDate fromYyyymmdd(const QString& text);
 QDate fromSlashed(const QString& text);
 
+// A two-digit year by the window of the office's older files and cards: 00 to 29 are this
+// century's, 30 to 99 the last one's.
+int fullYear(int twoDigitYear);
+// "YYMMDD" with the year by that window; an invalid QDate for anything else.
+QDate fromYymmdd(const QString& text);
+
 // The stored forms ("YYYY-MM-DD", "YYYY-MM-DD HH:MM:SS").
 QString isoDate(const QDate& date);
 QString isoDateTime(const QDateTime& moment);
