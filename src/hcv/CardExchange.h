@@ -79,6 +79,9 @@ public:
     void waitExpired();
 
 private:
+    // Stores an answer on its patient, then deletes its file and ends the wait.
+    void storeFrom(qint64 patientId, const CardResponse& response, const QString& path);
+
     Database& m_db;
     const SettingsStore& m_store;
     const Clock& m_clock;
@@ -88,6 +91,7 @@ private:
     Hooks m_hooks;
     bool m_pollingOn = false;
     bool m_awaiting = false;
+    QString m_folderProblem;  // the answer folder's problem last told
 };
 
 }  // namespace brimsett::hcv
