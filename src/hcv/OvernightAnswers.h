@@ -40,6 +40,7 @@ struct AppliedOvernight {
     std::optional<qint64> patientId;  // none: no patient has the number
     int status = 0;
     QString message;  // ResponseMessage(code)
+    QString name;     // the patient's "Last, First" as the register holds it after the answer
 };
 
 struct OvernightResult {

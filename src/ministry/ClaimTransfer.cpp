@@ -41,8 +41,9 @@ std::optional<QString> diskFolder(const QString& folder, Prompter& prompter, con
     return QDir(folder).absolutePath() + QLatin1Char('/');
 }
 
-bool copyToDisk(const TransferPlaces& places, const QString& fileName, Prompter& prompter) {
-    const std::optional<QString> disk = diskFolder(places.diskFolder, prompter, kSubmitTitle);
+bool copyToDisk(const TransferPlaces& places, const QString& fileName, Prompter& prompter,
+                const QString& title) {
+    const std::optional<QString> disk = diskFolder(places.diskFolder, prompter, title);
     if (!disk) {
         return false;
     }
@@ -53,7 +54,7 @@ bool copyToDisk(const TransferPlaces& places, const QString& fileName, Prompter&
         problem = transferfiles::place(*bytes, *disk + fileName, *disk);
     }
     if (!problem.isEmpty()) {
-        prompter.tell(kSubmitTitle, {problem, QStringLiteral("The file was not submitted.")},
+        prompter.tell(title, {problem, QStringLiteral("The file was not submitted.")},
                       Icon::Critical);
         return false;
     }
@@ -114,12 +115,7 @@ bool ClaimTransfer::submit(const QString& fileName, TransferMethod method) {
         return false;
     }
 
-    const bool sent =
-        method == TransferMethod::Disk
-            ? copyToDisk(m_places, fileName, m_prompter)
-            : FolderExchange(m_places.officeFolder, m_prompter, m_wait, m_clock, kSubmitTitle)
-                  .send(fileName);
-    if (!sent) {
+    if (!handOver(fileName, method, kSubmitTitle)) {
         return false;
     }
     // Recorded before the user is told, so that the date is there whatever they do next.
@@ -146,6 +142,19 @@ bool ClaimTransfer::submit(const QString& fileName, TransferMethod method) {
                         Icon::Information);
     }
     return true;
+}
+
+bool ClaimTransfer::handOver(const QString& fileName, TransferMethod method, const QString& title) {
+    switch (method) {
+        case TransferMethod::DialUp:
+            m_prompter.tell(title, notAvailable(), Icon::Information);
+            return false;
+        case TransferMethod::Disk:
+            return copyToDisk(m_places, fileName, m_prompter, title);
+        case TransferMethod::Folder:
+            break;
+    }
+    return FolderExchange(m_places.officeFolder, m_prompter, m_wait, m_clock, title).send(fileName);
 }
 
 std::optional<QStringList> ClaimTransfer::fetchAnswers(const QString& doctorId,

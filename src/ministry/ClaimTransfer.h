@@ -39,6 +39,11 @@ public:
     // was handed over and recorded; false when refused, declined or failed (told why).
     bool submit(const QString& fileName, TransferMethod method);
 
+    // Hands one file of the office folder over the chosen way, without a claim file's
+    // checks (its records are the caller's). True when it was handed over; otherwise the
+    // user was told why, under `title`.
+    bool handOver(const QString& fileName, TransferMethod method, const QString& title);
+
     // Fetches the ministry's waiting answers for a doctor. The files now in the office's
     // "Download" folder (or found on the disk), by name; none when the fetch failed.
     std::optional<QStringList> fetchAnswers(const QString& doctorId, TransferMethod method);

@@ -5,6 +5,10 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 namespace brimsett::transferfiles {
 
 QString makeFolders(const QString& base, const QStringList& folders) {
@@ -43,13 +47,13 @@ QString place(const QByteArray& bytes, const QString& target, const QString& sta
         file.remove();
         return problem;
     }
+    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     file.close();
-    if (QFileInfo::exists(target) && !QFile::remove(target)) {
-        file.remove();
-        return QStringLiteral("%1 is there already and could not be replaced.").arg(target);
-    }
-    if (!file.rename(target)) {
-        const QString problem = cannotWrite.arg(target, file.errorString());
+    // One rename replaces an earlier file of the name: there is no moment without either.
+    if (std::rename(QFile::encodeName(staged).constData(), QFile::encodeName(target).constData()) !=
+        0) {
+        const QString problem =
+            cannotWrite.arg(target, QString::fromLocal8Bit(std::strerror(errno)));
         file.remove();
         return problem;
     }
