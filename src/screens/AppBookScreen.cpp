@@ -29,6 +29,7 @@ public:
         if (!m_book) {
             m_book = new frmAppBook(m_db, m_settings, m_store, m_prompter, m_clock, m_log,
                                     m_details, m_bill, m_parent);
+            m_book->setOvernightCheck(m_overnight);
             connect(m_book, &frmAppBook::setupRequested, this, [this] {
                 if (m_setup) {
                     m_setup();
@@ -38,6 +39,7 @@ public:
         }
         return m_book;
     }
+    frmAppBook::OvernightCheck m_overnight;
     // What the book's Setup button opens.
     void setSetup(std::function<void()> setup) { m_setup = std::move(setup); }
     frmAppBook* shown() {
@@ -61,9 +63,11 @@ private:
 void registerAppBookScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
                            SettingsStore& store, const SqlLog& log, Prompter& prompter,
                            const Clock& clock, frmAppBook::DetailsWindow details,
-                           frmAppBook::BillAppointment bill, QWidget* parent) {
+                           frmAppBook::BillAppointment bill, QWidget* parent,
+                           frmAppBook::OvernightCheck overnight) {
     auto* opener = new AppBookOpener(db, settings, store, log, prompter, clock, std::move(details),
                                      std::move(bill), parent);
+    opener->m_overnight = std::move(overnight);
     opener->setSetup([&registry] { registry.runAction(kActionAppointmentSetup); });
     registry.setAction(kActionAppointments, QStringLiteral("Appointments"),
                        guarded(opener, [opener] { opener->shown(); }));

@@ -21,9 +21,11 @@ struct AppSettings;
 //   "OK", or "NOT FOUND".
 // The book is made hidden as soon as the event loop runs, so that the first F5 shows it at
 // once; closing it only hides it. It belongs to parent and opens where it was last left.
+// Its "Card Checks" open the overnight card validation through `overnight`.
 void registerAppBookScreen(ActionRegistry& registry, Database& db, AppSettings& settings,
                            SettingsStore& store, const SqlLog& log, Prompter& prompter,
                            const Clock& clock, frmAppBook::DetailsWindow details,
-                           frmAppBook::BillAppointment bill, QWidget* parent);
+                           frmAppBook::BillAppointment bill, QWidget* parent,
+                           frmAppBook::OvernightCheck overnight = {});
 
 }  // namespace brimsett

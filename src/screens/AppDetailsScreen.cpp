@@ -20,10 +20,16 @@ class AppDetailsOpener : public ScreenOpener {
 public:
     using ScreenOpener::ScreenOpener;
 
+    appointments::CardCheck card;
+
     frmAppDetails* details() {
         return bringForward(
             m_details,
-            [this] { return new frmAppDetails(m_db, m_settings, m_prompter, m_log, m_parent); },
+            [this] {
+                auto* window = new frmAppDetails(m_db, m_settings, m_prompter, m_log, m_parent);
+                window->setCardCheck(card);
+                return window;
+            },
             QStringLiteral("frmAppDetails"));
     }
 
@@ -57,8 +63,10 @@ QString summaryLine(const appointments::Appointment& a) {
 std::function<frmAppDetails*()> registerAppDetailsScreen(ActionRegistry& registry, Database& db,
                                                          AppSettings& settings,
                                                          SettingsStore& store, const SqlLog& log,
-                                                         Prompter& prompter, QWidget* parent) {
+                                                         Prompter& prompter, QWidget* parent,
+                                                         appointments::CardCheck card) {
     auto* opener = new AppDetailsOpener(db, settings, store, log, prompter, parent);
+    opener->card = std::move(card);
     registry.setCommand(QStringLiteral("FROMAPPAPPOINTMENT"), [opener](const QString& argument) {
         const std::optional<appointments::Appointment> a = opener->stored(argument);
         if (!a) {

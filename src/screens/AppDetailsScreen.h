@@ -1,5 +1,7 @@
 #pragma once
 
+#include "appointments/AppointmentDetails.h"
+
 #include <functional>
 
 class QWidget;
@@ -21,9 +23,11 @@ struct AppSettings;
 //                           PatientName|PatientPhone|Status|SlotType", or "NOT FOUND"
 // The window is opened once, belongs to parent, and opens where it was last left. The
 // function returned gives that window, made or brought forward, to the appointment book.
+// The window asks `card` for the card check of an Ontario patient it saves.
 std::function<frmAppDetails*()> registerAppDetailsScreen(ActionRegistry& registry, Database& db,
                                                          AppSettings& settings,
                                                          SettingsStore& store, const SqlLog& log,
-                                                         Prompter& prompter, QWidget* parent);
+                                                         Prompter& prompter, QWidget* parent,
+                                                         appointments::CardCheck card = {});
 
 }  // namespace brimsett

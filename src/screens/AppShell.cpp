@@ -6,8 +6,10 @@
 #include "screens/AppBookScreen.h"
 #include "screens/AppDetailsScreen.h"
 #include "screens/AppSetupScreens.h"
+#include "screens/CardCheckTimers.h"
 #include "screens/ClaimScreens.h"
 #include "screens/CodeScreens.h"
+#include "screens/HcvScreens.h"
 #include "screens/PastClaimsScreens.h"
 #include "screens/PatientScreens.h"
 #include "screens/ProviderScreens.h"
@@ -148,10 +150,28 @@ void AppShell::registerScreens() {
     m_patients = std::make_unique<PatientScreens>(*m_session.db, m_session.settings, m_store,
                                                   m_prompter, m_clock, m_sqlLog, m_main.get());
     m_patients->registerIn(m_registry);
+    m_cardChecks = new CardCheckTimers(
+        *m_session.db, m_store, m_clock, m_prompter, m_sqlLog, m_paths.folder(),
+        [this](const QString& healthNum) { m_patients->cardAnswered(healthNum); }, m_main.get());
+    hcv::CardExchange& cards = m_cardChecks->exchange();
+    appointments::CardCheck appCard;
+    if (cards.pollingOn()) {
+        m_patients->setCardCheck([this](const QString& healthNum, const QString& versionCode) {
+            m_cardChecks->requestAsked(healthNum, versionCode);
+        });
+        appCard.pollingOn = true;
+        appCard.request = [this](const QString& healthNum, const QString& versionCode) {
+            if (m_cardChecks) {
+                m_cardChecks->exchange().RequestCardCheck(healthNum, versionCode, false);
+            }
+        };
+    }
     registerProviderScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
-    auto appDetails = registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings,
-                                               m_store, m_sqlLog, m_prompter, m_main.get());
+    auto appDetails =
+        registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
+                                 m_prompter, m_main.get(), std::move(appCard));
+    const OpenCheckHealth overnight;
     registerAppSetupScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
@@ -161,7 +181,8 @@ void AppShell::registerScreens() {
         registerClaimScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_main.get());
     registerAppBookScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
-                          m_prompter, m_clock, appDetails, billAppointment, m_main.get());
+                          m_prompter, m_clock, appDetails, billAppointment, m_main.get(),
+                          overnight);
     registerTransferScreens(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
                             m_clock, m_sqlLog, m_session.money, m_paths.folder(), m_main.get());
     registerPastClaimsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_prompter,
@@ -196,6 +217,9 @@ void AppShell::shutDown() {
     if (m_receiver) {
         m_receiver->close();
     }
+    // The timers call into the patient window: they go first.
+    delete m_cardChecks;
+    m_cardChecks = nullptr;
     m_patients.reset();
     m_session.settings.saveAll(m_store, m_clock);
     m_session.db->close();

@@ -15,6 +15,7 @@
 
 namespace brimsett {
 
+class CardCheckTimers;
 class CommandReceiver;
 class PatientScreens;
 class frmBMain;
@@ -63,6 +64,7 @@ private:
     std::unique_ptr<frmBMain> m_main;
     std::unique_ptr<CommandReceiver> m_receiver;
     std::unique_ptr<PatientScreens> m_patients;
+    CardCheckTimers* m_cardChecks = nullptr;  // belongs to the main window
     int m_exitCode = 0;
     bool m_shutDown = false;
 };

@@ -44,11 +44,26 @@ frmPatients& PatientScreens::show() {
         m_window = new frmPatients(m_db, m_settings, m_prompter, m_clock, m_log, m_owner);
         m_window->setAttribute(Qt::WA_DeleteOnClose);
         windowplace::remember(m_window, m_store, QStringLiteral("frmPatients"));
+        m_window->setCardCheck(m_cardCheck);
     }
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
     return *m_window;
+}
+
+void PatientScreens::setCardCheck(
+    std::function<void(const QString& healthNum, const QString& versionCode)> check) {
+    m_cardCheck = std::move(check);
+    if (m_window) {
+        m_window->setCardCheck(m_cardCheck);
+    }
+}
+
+void PatientScreens::cardAnswered(const QString& healthNum) {
+    if (m_window) {
+        m_window->cardAnswered(healthNum);
+    }
 }
 
 QString PatientScreens::openOn(const QString& argument, bool newWhenEmpty) {

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
+
 class QWidget;
 
 namespace brimsett {
@@ -36,6 +38,12 @@ public:
     // The one patient window, made on first use and brought forward.
     frmPatients& show();
 
+    // The window's "Check Card" asks this (none: the button is not shown).
+    void setCardCheck(
+        std::function<void(const QString& healthNum, const QString& versionCode)> check);
+    // An answer was stored for the patient of this health number.
+    void cardAnswered(const QString& healthNum);
+
 private:
     QString openOn(const QString& argument, bool newWhenEmpty);
     QString describe(const QString& argument);
@@ -48,6 +56,7 @@ private:
     const SqlLog& m_log;
     QWidget* m_owner;
     QPointer<frmPatients> m_window;
+    std::function<void(const QString&, const QString&)> m_cardCheck;
 };
 
 }  // namespace brimsett

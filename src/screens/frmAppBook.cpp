@@ -251,6 +251,7 @@ QWidget* frmAppBook::buildButtons() {
     add(QStringLiteral("B&ill"), QStringLiteral("Ctrl+B"), &frmAppBook::billCurrent);
     add(QStringLiteral("R&efresh"), QStringLiteral("Ctrl+R"), &frmAppBook::refresh);
     row->addStretch();
+    addCardButton(row);
     add(QStringLiteral("Set&up..."), QStringLiteral("Slot types, templates and columns"),
         [this] { emit setupRequested(); });
     add(QStringLiteral("Close"), QStringLiteral("Esc"), [this] { close(); });
@@ -272,6 +273,8 @@ void frmAppBook::addShortcuts() {
     key(QKeySequence(Qt::CTRL | Qt::Key_1), [this] { setView(View::Day); });
     key(QKeySequence(Qt::CTRL | Qt::Key_2), [this] { setView(View::Week); });
     key(QKeySequence(Qt::CTRL | Qt::Key_3), [this] { setView(View::Month); });
+    key(QKeySequence(Qt::CTRL | Qt::Key_J), &frmAppBook::printRejectedCards);
+    key(QKeySequence(Qt::CTRL | Qt::Key_O), &frmAppBook::openOvernightCheck);
     key(QKeySequence(Qt::Key_Escape), [this] { close(); });
 }
 

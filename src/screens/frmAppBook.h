@@ -12,6 +12,7 @@
 #include <optional>
 
 class QCalendarWidget;
+class QHBoxLayout;
 class QComboBox;
 class QDateEdit;
 class QLabel;
@@ -50,6 +51,8 @@ public:
     using DetailsWindow = std::function<frmAppDetails*()>;
     // Opens claim entry on the appointment; false when claim entry stayed on its own work.
     using BillAppointment = std::function<bool(const appointments::BillingStart&)>;
+    // Opens the overnight card validation on a provider and a day.
+    using OvernightCheck = std::function<void(const QString& doctorId, const QDate& day)>;
 
     frmAppBook(Database& db, AppSettings& settings, SettingsStore& store, Prompter& prompter,
                const Clock& clock, const SqlLog& log, DetailsWindow details, BillAppointment bill,
@@ -84,6 +87,10 @@ public:
     void billCurrent();
     void printDaySheet();
     void openFind();
+    // The shown providers' patients of the day whose card failed its last check.
+    void printRejectedCards();
+    void setOvernightCheck(OvernightCheck open) { m_overnight = std::move(open); }
+    void openOvernightCheck();
 
     AppBookGrid* grid() const { return m_grid; }
     QTableWidget* monthTable() const { return m_month; }
@@ -101,6 +108,7 @@ protected:
 private:
     QWidget* buildTop();
     QWidget* buildButtons();
+    void addCardButton(QHBoxLayout* row);
     void addShortcuts();
     void loadProviderNames();
     void providersTyped();
@@ -128,6 +136,7 @@ private:
     const SqlLog& m_log;
     DetailsWindow m_details;
     BillAppointment m_bill;
+    OvernightCheck m_overnight;
 
     View m_view = View::Day;
     QDate m_date;

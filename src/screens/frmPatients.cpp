@@ -118,6 +118,35 @@ void frmPatients::putOnScreen(const PatientEntry& entry) {
     applySwitches();
 }
 
+void frmPatients::setCardCheck(CardCheck check) {
+    m_cardCheck = std::move(check);
+    m_checkCard->setVisible(static_cast<bool>(m_cardCheck));
+}
+
+void frmPatients::cardAnswered(const QString& healthNum) {
+    if (!m_storedId || hn::fromTyped(m_healthNum->text()) != healthNum) {
+        return;
+    }
+    if (!hasChanges()) {
+        QWidget* focused = focusWidget();
+        showPatient(*m_storedId);
+        if (focused) {
+            focused->setFocus();
+        }
+        return;
+    }
+    const std::optional<PatientEntry> stored = m_register.load(*m_storedId);
+    if (!stored) {
+        return;
+    }
+    for (const Binding& b : m_bindings) {
+        if (m_cardFields.contains(b.edit)) {
+            b.edit->setText((*stored).*b.member);
+            m_shown.*b.member = (*stored).*b.member;
+        }
+    }
+}
+
 bool frmPatients::showPatient(qint64 id) {
     std::optional<PatientEntry> entry = m_register.load(id);
     if (!entry) {

@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -40,6 +41,13 @@ public:
     bool mayLeaveCurrent();
     // The search list is filled from what is typed in the find box.
     void find();
+
+    // With a card check, "Check Card" asks it for the number and version code on the screen.
+    using CardCheck = std::function<void(const QString& healthNum, const QString& versionCode)>;
+    void setCardCheck(CardCheck check);
+    // An answer was stored for this health number: the patient on the screen, when it is the
+    // one, is shown again; unsaved typing is kept and only the answer's fields change.
+    void cardAnswered(const QString& healthNum);
 
 signals:
     void patientSaved(qint64 id);
@@ -104,6 +112,8 @@ private:
     QCheckBox* m_flag = nullptr;
     QLabel* m_state = nullptr;
     QPushButton* m_delete = nullptr;
+    QPushButton* m_checkCard = nullptr;
+    CardCheck m_cardCheck;
     QList<QLineEdit*> m_cardFields;
     QHash<QLineEdit*, QLabel*> m_doctorNames;  // referring and family doctor fields
 };

@@ -227,16 +227,26 @@ QWidget* frmPatients::buildButtons() {
     auto* saveButton = new QPushButton(QStringLiteral("&Save"));
     m_delete = new QPushButton(QStringLiteral("D&elete Account"));
     auto* closeButton = new QPushButton(QStringLiteral("&Close"));
+    m_checkCard = new QPushButton(QStringLiteral("Chec&k Card"));
+    m_checkCard->setToolTip(QStringLiteral("Ask the province whether this health card is valid"));
+    m_checkCard->setVisible(false);  // only where the card check is switched on
     saveButton->setToolTip(QStringLiteral("Ctrl+S"));
     closeButton->setToolTip(QStringLiteral("Esc"));
     connect(newButton, &QPushButton::clicked, this, guarded(this, &frmPatients::newClicked));
     connect(saveButton, &QPushButton::clicked, this, guarded(this, &frmPatients::save));
     connect(m_delete, &QPushButton::clicked, this, guarded(this, &frmPatients::deleteAccount));
     connect(closeButton, &QPushButton::clicked, this, guarded(this, &QWidget::close));
-    for (QPushButton* b : {newButton, saveButton, m_delete, closeButton}) {
+    connect(m_checkCard, &QPushButton::clicked, this, guarded(this, [this] {
+                if (m_cardCheck) {
+                    const PatientEntry entry = entryOnScreen();
+                    m_cardCheck(entry.healthNum, entry.versionCode);
+                }
+            }));
+    for (QPushButton* b : {newButton, saveButton, m_delete, closeButton, m_checkCard}) {
         b->setAutoDefault(false);
     }
     row->addWidget(newButton);
+    row->addWidget(m_checkCard);
     row->addStretch();
     row->addWidget(saveButton);
     row->addWidget(m_delete);
