@@ -228,6 +228,7 @@ QWidget* frmPatients::buildButtons() {
     m_delete = new QPushButton(QStringLiteral("D&elete Account"));
     auto* closeButton = new QPushButton(QStringLiteral("&Close"));
     m_checkCard = new QPushButton(QStringLiteral("Chec&k Card"));
+    m_checkCard->setObjectName(QStringLiteral("checkCard"));
     m_checkCard->setToolTip(QStringLiteral("Ask the province whether this health card is valid"));
     m_checkCard->setVisible(false);  // only where the card check is switched on
     saveButton->setToolTip(QStringLiteral("Ctrl+S"));

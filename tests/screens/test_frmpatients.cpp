@@ -99,6 +99,36 @@ private slots:
         QVERIFY(desk.prompter.messages().isEmpty());
     }
 
+    // "Check Card" (Alt+K) is there only with a card check and asks it for the number on
+    // the screen; a stored answer shows at once, but never over what the desk has typed.
+    void cardCheckAndItsAnswer() {
+        Desk desk;
+        QVERIFY(desk.window->showPatient(7));
+        QVERIFY(!desk.window->findChild<QPushButton*>("checkCard")->isVisible());
+        QStringList asked;
+        desk.window->setCardCheck(
+            [&](const QString& hn, const QString& vc) { asked << hn + QLatin1Char('|') + vc; });
+        QTest::keyClick(desk.window->windowHandle(), Qt::Key_K, Qt::AltModifier);
+        QTRY_COMPARE(asked, QStringList{"9876543217|AB"});
+
+        desk.db->exec(
+            "Update Patients Set Response='65', Status=2, LName='OBRIEN' Where"
+            " PatientID=7");
+        desk.window->cardAnswered(QStringLiteral("1111111111"));  // someone else's
+        QCOMPARE(desk.edit("&Last Name:")->text(), QStringLiteral("O'Brien"));
+        desk.edit("Ci&ty:")->setText(QStringLiteral("Ottawa"));
+        desk.window->cardAnswered(QStringLiteral("9876543217"));
+        QCOMPARE(desk.edit("Response:")->text(), QStringLiteral("65"));
+        QCOMPARE(desk.edit("Ci&ty:")->text(), QStringLiteral("Ottawa"));
+        QCOMPARE(desk.edit("&Last Name:")->text(), QStringLiteral("O'Brien"));
+
+        desk.edit("Ci&ty:")->setText(QStringLiteral("Kingston"));
+        desk.window->cardAnswered(QStringLiteral("9876543217"));
+        QCOMPARE(desk.edit("&Last Name:")->text(), QStringLiteral("OBRIEN"));
+        QVERIFY(desk.window->mayLeaveCurrent());
+        QVERIFY(desk.prompter.messages().isEmpty());
+    }
+
     // Enter in the id field looks the patient up. With switch 6 a letter typed there starts
     // the last name and the rest of the name follows it; without it the letters stay.
     void idFieldLooksUp_data() {
