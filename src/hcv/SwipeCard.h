@@ -38,11 +38,12 @@ struct SwipeResult {
 bool hasCardPrefix(const QString& text);
 
 // Takes the holder's data out of the swiped text; carriage returns anywhere are removed
-// first. Never fails on short or odd text: what cannot be cut stays empty.
+// first. Never fails on short or odd text: what cannot be cut stays empty, and so does a
+// date that is not one.
 SwipeResult parseSwipe(const QString& text);
 
 // Two-digit years below 30 are 20xx, the others 19xx. "YYMMDD" -> "YYYY/MM/DD"; empty when
-// the text is not six digits.
+// the text is not six digits or not a date.
 QString widenShortDate(const QString& yymmdd);
 
 enum class CardState { NoExpiry, Valid, Expired };

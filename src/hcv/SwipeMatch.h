@@ -52,6 +52,14 @@ public:
     SwipeOutcome match(const SwipedCard& card);
 
 private:
+    // The card's differing version code, expiry and birth date written; the line saying so,
+    // empty when nothing differed.
+    QString bringUpToDate(qint64 id, const SwipedCard& card);
+    // The patient without a number the desk accepted as the card's holder.
+    std::optional<qint64> offerCandidates(const SwipedCard& card);
+    void takeCard(qint64 id, const SwipedCard& card);
+    QString appointmentToday(const std::optional<qint64>& patientId, const SwipedCard& card);
+
     Database& m_db;
     const AppSettings& m_settings;
     Prompter& m_prompter;
