@@ -29,6 +29,7 @@ struct Office : test::OfficeFixture {
     ActionRegistry registry;
     QWidget main;
     frmAppBook* book = nullptr;
+    QStringList overnightAsked;
 
     Office() {
         clock.set(QDateTime(QDate(2026, 11, 23), QTime(9, 40)));
@@ -72,7 +73,9 @@ struct Office : test::OfficeFixture {
         auto bill = registerClaimScreen(registry, *db, settings, office.store(), prompter, clock,
                                         log, MoneyFormat{}, &main);
         registerAppBookScreen(registry, *db, settings, office.store(), log, prompter, clock,
-                              details, bill, &main);
+                              details, bill, &main, [this](const QString& doctor, QDate day) {
+                                  overnightAsked << doctor + ' ' + day.toString(Qt::ISODate);
+                              });
         QVERIFY_THROWS_NO_EXCEPTION(registry.runAction(3));
         book = main.findChild<frmAppBook*>();
     }
@@ -306,6 +309,24 @@ private slots:
         office.clock.set(QDateTime(QDate(2026, 11, 24), QTime(8, 0)));
         office.registry.runAction(4);
         QCOMPARE(office.prompter.last().text(), QStringLiteral("No appointments to print."));
+    }
+
+    // Ctrl+J prints the day's rejected cards (or says there are none); Ctrl+O opens the
+    // overnight validation on the current provider and day.
+    void cardChecks() {
+        Office office;
+        frmAppBook* book = office.book;
+        QVERIFY(QTest::qWaitForWindowActive(book));
+        book->showDate(QDate(2026, 11, 23));
+        book->grid()->setFocus();
+        office.key(Qt::Key_J, Qt::ControlModifier);
+        QCOMPARE(office.prompter.last().text(),
+                 QStringLiteral("No patient of this day has a rejected card."));
+        office.db->exec("Update patients Set Status=2, Response='65' Where PatientID=9");
+        office.key(Qt::Key_J, Qt::ControlModifier);
+        QTRY_VERIFY(book->findChild<QPrintPreviewDialog*>() != nullptr);
+        office.key(Qt::Key_O, Qt::ControlModifier);
+        QCOMPARE(office.overnightAsked, QStringList{"AB 2026-11-23"});
     }
 
 private:
