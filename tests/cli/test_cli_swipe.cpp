@@ -43,7 +43,6 @@ private slots:
                   "Error:\n  This is not a health card.\n");
         test::row("bad number", "%B61005498765432240^DOE/JANE^", 1, "",
                   "Error:\n  Invalid Health Card Number 9876543224\n");
-        test::row("no name end", "%B61005498765432250^DOE/JANE", 1, "", "Error:\n  Invalid Card\n");
     }
     void reads() {
         QFETCH(QString, text);
