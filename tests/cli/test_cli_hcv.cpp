@@ -32,21 +32,6 @@ private slots:
                  0);
     }
 
-    void messageOfACode_data() {
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<QString>("out");
-        test::row("51", "51", "Card passed validation\n");
-        test::row("80 is empty", "80", "\n");
-        test::row("9C", "9C", "Health care provider/facility not authorized for HCV\n");
-    }
-    void messageOfACode() {
-        QFETCH(QString, code);
-        QFETCH(QString, out);
-        const auto r = run({"hcv", "message", code});
-        QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, out);
-    }
-
     void requestIsWrittenOncePerDay() {
         const QString now = QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss");
         QCOMPARE(run({"sql", "Update patients Set HNCheckDate = '" + now + "'"}).status, 0);
@@ -62,6 +47,9 @@ private slots:
                  qPrintable(forced.out));
         QVERIFY(test::readText(path).startsWith("HX01|RPVR0300 1234567897AB********"));
         QCOMPARE(run({"hcv", "request"}).status, 2);
+        QCOMPARE(run({"hcv", "message", "9C"}).out,
+                 QString("Health care provider/facility not authorized for HCV\n"));
+        QCOMPARE(run({"hcv", "message", "80"}).out, QString("\n"));
     }
 
     void pollPrintsEachAnswer() {

@@ -86,37 +86,52 @@ class TestCardExchange : public QObject {
     Q_OBJECT
 
 private slots:
-    void requestIsWrittenWhole_data() {
+    void requestIsWrittenWholeOncePerDay_data() {
         QTest::addColumn<QString>("ho");
         QTest::addColumn<bool>("patientExists");
-        QTest::addColumn<QString>("file");  // in the office folder; empty when refused
-        test::row("default folder", "", true, "HCVOUT/20261122100000.txt");
-        test::row("folder as written", "out/", false, "out/20261122100000.txt");
-        test::row("no separator glues the name", "out", true, "out20261122100000.txt");
-        test::row("a file stands where the folder would", "blocker/sub/", true, "");
+        QTest::addColumn<QVariant>("checked");
+        QTest::addColumn<bool>("force");
+        QTest::addColumn<QString>("file");  // in the office folder; "" answered today, "!" failed
+        const QDateTime now(QDate(2026, 11, 22), QTime(10, 0));
+        const QVariant today(now.addSecs(-2 * 3600)), yesterday(now.addSecs(-10 * 3600 - 60));
+        test::row("default folder", "", true, QVariant(), false, "HCVOUT/20261122100000.txt");
+        test::row("folder as written, no patient", "out/", false, QVariant(), false,
+                  "out/20261122100000.txt");
+        test::row("no separator glues the name", "out", true, yesterday, false,
+                  "out20261122100000.txt");
+        test::row("answered earlier today", "", true, today, false, "");
+        test::row("answered today, forced", "", true, today, true, "HCVOUT/20261122100000.txt");
+        test::row("a file stands where the folder would", "blocker/sub/", true, QVariant(), false,
+                  "!");
     }
-    void requestIsWrittenWhole() {
+    void requestIsWrittenWholeOncePerDay() {
         QFETCH(QString, ho);
         QFETCH(bool, patientExists);
+        QFETCH(QVariant, checked);
+        QFETCH(bool, force);
         QFETCH(QString, file);
         CardOffice f;
         f.office.store().save("General", "HO", ho);
         test::writeText(f.office.file("blocker"), "not a folder");
         if (patientExists) {
-            f.patient(1, kNumber);
+            f.patient(1, kNumber, checked);
         }
-        const auto result = f.exchange.RequestCardCheck(kNumber, "AB", false);
+        const auto result = f.exchange.RequestCardCheck(kNumber, "AB", force);
         QCOMPARE(result.patientFound, patientExists);
-        if (file.isEmpty()) {
-            QCOMPARE(result.outcome, CardExchange::Outcome::Failed);
-            QCOMPARE(f.prompter.last().title, QString("Error"));
-            QCOMPARE(f.prompter.last().lines.value(1),
-                     QString("The card was not sent for checking."));
-            QVERIFY(!f.exchange.awaitingAnswer());
-            QCOMPARE(f.waitsStarted, 0);
+        const bool written = file.size() > 1;
+        QCOMPARE(result.outcome, written          ? CardExchange::Outcome::Written
+                                 : file.isEmpty() ? CardExchange::Outcome::AnsweredToday
+                                                  : CardExchange::Outcome::Failed);
+        QCOMPARE(f.exchange.awaitingAnswer(), written);
+        QCOMPARE(f.waitsStarted, written && patientExists ? 1 : 0);
+        QCOMPARE(f.told(), file == "!"
+                               ? QStringList{"Error: The folder " + f.office.file("blocker/sub") +
+                                             " could not be created./The card was not "
+                                             "sent for checking."}
+                               : QStringList{});
+        if (!written) {
             return;
         }
-        QCOMPARE(result.outcome, CardExchange::Outcome::Written);
         QCOMPARE(result.path, f.office.file(file));
         QCOMPARE(test::readText(result.path),
                  QString("HX01|RPVR0300 1234567897AB********FAC    PROV      MAIL            "
@@ -124,38 +139,10 @@ private slots:
         QCOMPARE(QFile(result.path).permissions() &
                      ~(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser),
                  QFile::Permissions());
-        QVERIFY(f.exchange.awaitingAnswer());
-        QCOMPARE(f.waitsStarted, patientExists ? 1 : 0);
-        QVERIFY(f.prompter.messages().isEmpty());
-
         // A second request in the same second keeps the first one waiting.
         const auto second = f.exchange.RequestCardCheck("2345678901", "", false);
         QCOMPARE(second.path, QString(result.path).replace("100000.txt", "100001.txt"));
         QVERIFY(test::readText(result.path).contains(kNumber));
-    }
-
-    void cardAnsweredTodayIsNotSentAgain_data() {
-        QTest::addColumn<QVariant>("checked");
-        QTest::addColumn<bool>("force");
-        QTest::addColumn<bool>("written");
-        const QDateTime now(QDate(2026, 11, 22), QTime(10, 0));
-        QTest::newRow("earlier today") << QVariant(now.addSecs(-2 * 3600)) << false << false;
-        QTest::newRow("earlier today, forced") << QVariant(now.addSecs(-2 * 3600)) << true << true;
-        QTest::newRow("late yesterday") << QVariant(now.addSecs(-10 * 3600 - 60)) << false << true;
-        QTest::newRow("never checked") << QVariant() << false << true;
-    }
-    void cardAnsweredTodayIsNotSentAgain() {
-        QFETCH(QVariant, checked);
-        QFETCH(bool, force);
-        QFETCH(bool, written);
-        CardOffice f;
-        f.patient(1, kNumber, checked);
-        const auto result = f.exchange.RequestCardCheck(kNumber, "AB", force);
-        QCOMPARE(result.outcome,
-                 written ? CardExchange::Outcome::Written : CardExchange::Outcome::AnsweredToday);
-        QCOMPARE(f.exchange.awaitingAnswer(), written);
-        QCOMPARE(f.waitsStarted, written ? 1 : 0);
-        QCOMPARE(QDir(f.office.file("HCVOUT")).entryList(QDir::Files).size(), written ? 1 : 0);
     }
 
     void pollTakesThisInstallationsAnswers_data() {
