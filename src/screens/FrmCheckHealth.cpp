@@ -93,10 +93,13 @@ QWidget* FrmCheckHealth::buildDayPanel() {
     auto* dayRow = new QHBoxLayout;
     dayRow->addWidget(m_day);
     dayRow->addStretch();
+    auto* startRow = new QHBoxLayout;
+    startRow->addWidget(m_start);
+    startRow->addStretch();
     auto* form = new QFormLayout(panel);
     form->addRow(labelFor(m_doctor, QStringLiteral("&Doctor:"), panel), m_doctor);
     form->addRow(labelFor(m_day, QStringLiteral("D&ate:"), panel), dayRow);
-    form->addRow(QString(), m_start);
+    form->addRow(QString(), startRow);
     return panel;
 }
 
