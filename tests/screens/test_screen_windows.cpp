@@ -3,8 +3,11 @@
 #include "foundation/AccessLevels.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/MenuModel.h"
+#include "hcv/CardExchange.h"
 #include "screens/CodeEditors.h"
+#include "screens/FrmCheckHealth.h"
 #include "screens/MessageBoxPrompter.h"
+#include "screens/PatientScreens.h"
 #include "screens/WindowPlace.h"
 #include "screens/frmAppBook.h"
 #include "screens/frmAppBookFind.h"
@@ -27,6 +30,7 @@
 #include "screens/frmPatients.h"
 #include "screens/frmPrepare.h"
 #include "screens/frmReceive.h"
+#include "screens/frmSwipe.h"
 #include "screens/frmThirdParty.h"
 #include "screens/frmViewBatchEdit.h"
 #include "screens/frmViewError.h"
@@ -54,6 +58,8 @@ struct Office : test::OfficeFixture {
     ActionRegistry registry;
     AccessLevels access{office.store()};
     const QString folder = office.folder();
+    PatientScreens patients{*db, settings, office.store(), prompter, clock, log, nullptr};
+    hcv::CardExchange exchange{*db, office.store(), clock, prompter, log, folder};
     const std::map<QString, std::function<QWidget*()>> screens = {
         {"frmBMain", [&] { return new frmBMain(defaultMenu(), settings, registry, prompter); }},
         {"frmPatients", [&] { return new frmPatients(*db, settings, prompter, clock, log); }},
@@ -78,6 +84,15 @@ struct Office : test::OfficeFixture {
         {"frmReceive",
          [&] {
              return new frmReceive(*db, settings, office.store(), prompter, clock, log, {}, folder);
+         }},
+        {"frmSwipe",
+         [&] {
+             return new frmSwipe({*db, settings, office.store(), log, prompter, clock, exchange,
+                                  patients, folder, nullptr});
+         }},
+        {"FrmCheckHealth",
+         [&] {
+             return new FrmCheckHealth(*db, settings, office.store(), prompter, clock, log, folder);
          }},
         {"frmCodes", [&] { return new frmCodes(*db, log, prompter, {}); }},
         {"frmDiagCodes", [&] { return new frmDiagCodes(*db, log, prompter, {}); }},
@@ -203,7 +218,7 @@ private slots:
     void recordWindowsFitSmallScreen_data() {
         QTest::addColumn<QString>("screen");
         for (const char* name : {"frmPatients", "frmClaim", "frmDoctors", "frmAppDetails",
-                                 "frmAppBook", "frmPastClaims"}) {
+                                 "frmAppBook", "frmPastClaims", "frmSwipe", "FrmCheckHealth"}) {
             QTest::newRow(name) << QString::fromLatin1(name);
         }
     }
