@@ -171,7 +171,9 @@ void AppShell::registerScreens() {
     auto appDetails =
         registerAppDetailsScreen(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                                  m_prompter, m_main.get(), std::move(appCard));
-    const OpenCheckHealth overnight;
+    const OpenCheckHealth overnight = registerHcvScreens(
+        m_registry, HcvScreenParts{*m_session.db, m_session.settings, m_store, m_sqlLog, m_prompter,
+                                   m_clock, cards, *m_patients, m_paths.folder(), m_main.get()});
     registerAppSetupScreens(m_registry, *m_session.db, m_session.settings, m_store, m_sqlLog,
                             m_prompter, m_main.get());
     registerCodeScreens(m_registry, *m_session.db, m_session.settings, m_sqlLog, m_prompter,
