@@ -43,11 +43,16 @@ bool CardReaderKeys::eventFilter(QObject* watched, QEvent* event) {
     }
     m_lastKey.start();
     const QString text = key->text();
+    const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
     switch (m_state) {
         case State::Idle:
             if (text == QLatin1String("%") || text == QLatin1String("5")) {
                 m_state = text == QLatin1String("%") ? State::Collecting : State::SawFive;
                 m_text = text;
+                return true;
+            }
+            if (text == QLatin1String(";")) {
+                m_state = State::SecondTrack;
                 return true;
             }
             return false;
@@ -67,21 +72,25 @@ bool CardReaderKeys::eventFilter(QObject* watched, QEvent* event) {
             m_replaying = false;
             return false;
         case State::Collecting:
-            if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-                const QString burst = m_text;
-                restart();
-                m_swiped(burst);
-                return true;
-            }
+        case State::SecondTrack:
             if (key->key() == Qt::Key_Escape) {
                 restart();
                 return false;
             }
-            if (!text.isEmpty() && text.front().isPrint()) {
-                m_text += text;
-            }
-            if (m_text.size() > kLongestBurst) {
+            if (enter) {
+                const QString burst = m_text;
+                const bool firstTrack = m_state == State::Collecting;
                 restart();
+                if (firstTrack) {
+                    m_swiped(burst);
+                }
+                return true;
+            }
+            if (m_state == State::Collecting && !text.isEmpty() && text.front().isPrint()) {
+                m_text += text;
+                if (m_text.size() > kLongestBurst) {
+                    restart();
+                }
             }
             return true;
     }

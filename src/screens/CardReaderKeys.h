@@ -17,7 +17,9 @@ namespace brimsett {
 // button, a list): key text that starts with "%", or with "5" then "B"/"b" (a reader whose
 // shift state is lost), is kept from the focused widget until Enter and then handed over
 // whole. Fields left to themselves (a box the stripe may be typed into) get their keys as
-// usual. A burst that pauses longer than a reader would is dropped.
+// usual. A burst that pauses longer than a reader would is dropped. A second track (";" up to
+// Enter), which some readers type after the first, is taken in and dropped, so its Enter
+// never presses the button the first track's card left the focus on.
 class CardReaderKeys : public QObject {
 public:
     using Swiped = std::function<void(const QString& text)>;
@@ -29,7 +31,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    enum class State { Idle, SawFive, Collecting };
+    enum class State { Idle, SawFive, Collecting, SecondTrack };
     static constexpr int kLongestPauseMs = 1500;
     static constexpr int kLongestBurst = 256;
 

@@ -129,6 +129,17 @@ private slots:
             QCOMPARE(field->text(), fieldText);
         }
         QCOMPARE(int(desk.picture()->look()), look);
+
+        // A reader's second track is dropped: its Enter presses no button.
+        QWidget* focused = QApplication::focusWidget();
+        desk.read(";9876543225=26125201198001?");
+        QCOMPARE(QApplication::focusWidget(), focused);
+        QCOMPARE(int(desk.picture()->look()), look);
+        QTest::qWait(250);  // a button pressed would click after a flash
+        QCOMPARE(desk.owner.findChild<frmPatients*>(), nullptr);
+        if (auto* field = qobject_cast<QLineEdit*>(focused); field && field != other) {
+            QVERIFY(field->text().endsWith("?"));  // the box takes what is typed in it
+        }
     }
 
     // Each card state has its picture and caption; the fields show the card, "(n/a)" where it
