@@ -130,6 +130,7 @@ void CardExchange::storeFrom(qint64 patientId, const CardResponse& response, con
     answer.dob = response.dob;
     // Stored before the file goes: stopped in between, the next poll stores it again.
     storeAnswer(m_db, m_log, patientId, answer);
+    m_toldFailures.remove(path);
     if (!QFile::remove(path)) {
         m_prompter.error(
             {QStringLiteral("The answer %1 was stored but could not be removed.").arg(path)});
@@ -180,10 +181,10 @@ QList<PolledAnswer> CardExchange::PollCardResponses() {
             } else if (const QString moved = moveToArchive(path, archive + name); moved.isEmpty()) {
                 tell(PolledAnswer::What::Archived, name, response, answerLines(response));
             } else {
-                m_prompter.error({moved});
+                failed(path, moved);
             }
         } catch (const DbError& e) {
-            m_prompter.error({e.message()});
+            failed(path, e.message());
         }
     }
     for (const QString& name : transferfiles::filesIn(archive)) {
@@ -199,10 +200,17 @@ QList<PolledAnswer> CardExchange::PollCardResponses() {
                      savedAnswerLines(m_db, *patient, response));
             }
         } catch (const DbError& e) {
-            m_prompter.error({e.message()});
+            failed(path, e.message());
         }
     }
     return taken;
+}
+
+void CardExchange::failed(const QString& path, const QString& problem) {
+    if (!m_toldFailures.contains(path)) {
+        m_toldFailures.insert(path);
+        m_prompter.error({problem});
+    }
 }
 
 void CardExchange::waitExpired() {

@@ -3,6 +3,7 @@
 #include "hcv/CardResponse.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -92,6 +93,10 @@ private:
     bool m_pollingOn = false;
     bool m_awaiting = false;
     QString m_folderProblem;  // the answer folder's problem last told
+    // Answer files whose storing failed and was told: a poll every few seconds must not tell
+    // the same failure again while the file waits for the database to take it.
+    QSet<QString> m_toldFailures;
+    void failed(const QString& path, const QString& problem);
 };
 
 }  // namespace brimsett::hcv

@@ -239,6 +239,7 @@ private slots:
         QCOMPARE(f.stored, QStringList{kNumber});
     }
 
+    // A refused store keeps its file and is told once, however often the poll comes back.
     void refusedStoreKeepsTheFile() {
         CardOffice f;
         f.patient(1, kNumber);
@@ -255,6 +256,11 @@ private slots:
         QCOMPARE(QDir(f.in()).entryList(QDir::Files), QStringList{"1.txt"});
         QCOMPARE(f.row(1), QString("<null>|<null>|<null>|Ann|Old|F|1970/02/03"));
         QCOMPARE(f.stored, QStringList{"2345678901"});
+        // The next tick keeps the file and says nothing new.
+        const qsizetype told = f.prompter.messages().size();
+        QVERIFY(f.exchange.PollCardResponses().isEmpty());
+        QCOMPARE(f.prompter.messages().size(), told);
+        QCOMPARE(QDir(f.in()).entryList(QDir::Files), QStringList{"1.txt"});
     }
 
     void waitEndsWithAnAnswerOrItsTimeOut_data() {
