@@ -199,14 +199,13 @@ std::optional<qint64> SwipeMatch::offerCandidates(const SwipedCard& card) {
             return std::nullopt;
         }
         if (answer == Answer::Yes) {
-            takeCard(c.id, card);
-            return c.id;
+            return takeCard(c.id, card) ? std::optional<qint64>(c.id) : std::nullopt;
         }
     }
     return std::nullopt;
 }
 
-void SwipeMatch::takeCard(qint64 id, const SwipedCard& card) {
+bool SwipeMatch::takeCard(qint64 id, const SwipedCard& card) {
     SqlStatementBuilder b;
     b.beginUpdate(QStringLiteral("patients"));
     if (!m_settings.option[kNoNameReplaceSwitch]) {
@@ -217,8 +216,27 @@ void SwipeMatch::takeCard(qint64 id, const SwipedCard& card) {
     b.addField(QStringLiteral("VersionCode"), card.versionCode, Kind::Text);
     addDate(b, QStringLiteral("ExpYear"), card.expiry);
     addDate(b, QStringLiteral("DOB"), card.dob);
-    writePatient(m_db, m_log, id, b,
-                 QStringLiteral("writing a swiped card into patient %1").arg(id));
+    const QString doing = QStringLiteral("writing a swiped card into patient %1").arg(id);
+    {
+        Transaction t(m_db, doing);
+        // Looked at again under the write lock: another computer may have given the number
+        // to a patient since the search, and two patients must not share it.
+        if (const std::optional<qint64> other = patientOfHealthNumber(m_db, card.healthNum);
+            other && *other != id) {
+            m_prompter.tell(QStringLiteral("Possible Existing Patient"),
+                            {QStringLiteral("This health card number was given to patient %1 "
+                                            "meanwhile.")
+                                 .arg(*other),
+                             QStringLiteral("Nothing was changed.")},
+                            Icon::Warning);
+            return false;
+        }
+        const auto bound = b.boundUpdate(QStringLiteral("PatientID=?"), {id});
+        m_db.exec(bound.sql, bound.values, doing);
+        t.commit();
+    }
+    m_log.write(b.finishUpdate(QStringLiteral("PatientID=") + QString::number(id)));
+    return true;
 }
 
 QString SwipeMatch::appointmentToday(const std::optional<qint64>& patientId,

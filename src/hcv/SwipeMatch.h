@@ -57,7 +57,8 @@ private:
     QString bringUpToDate(qint64 id, const SwipedCard& card);
     // The patient without a number the desk accepted as the card's holder.
     std::optional<qint64> offerCandidates(const SwipedCard& card);
-    void takeCard(qint64 id, const SwipedCard& card);
+    // False (told why, nothing written) when another patient has the number by now.
+    bool takeCard(qint64 id, const SwipedCard& card);
     QString appointmentToday(const std::optional<qint64>& patientId, const SwipedCard& card);
 
     Database& m_db;
