@@ -38,7 +38,7 @@ std::optional<qint64> patientOfHealthNumber(Database& db, const QString& healthN
     return id.toLongLong();
 }
 
-void storeAnswer(Database& db, const SqlLog& log, qint64 patientId, const CardAnswer& answer) {
+QString storeAnswerUnlogged(Database& db, qint64 patientId, const CardAnswer& answer) {
     SqlStatementBuilder b;
     b.beginUpdate(QStringLiteral("patients"));
     b.addField(QStringLiteral("Response"), answer.code, Kind::Text);
@@ -59,7 +59,11 @@ void storeAnswer(Database& db, const SqlLog& log, qint64 patientId, const CardAn
                 QStringLiteral("storing the card check of patient %1").arg(patientId));
         t.commit();
     }
-    log.write(b.finishUpdate(QStringLiteral("PatientID=") + QString::number(patientId)));
+    return b.finishUpdate(QStringLiteral("PatientID=") + QString::number(patientId));
+}
+
+void storeAnswer(Database& db, const SqlLog& log, qint64 patientId, const CardAnswer& answer) {
+    log.write(storeAnswerUnlogged(db, patientId, answer));
 }
 
 }  // namespace brimsett::hcv

@@ -33,4 +33,8 @@ std::optional<qint64> patientOfHealthNumber(Database& db, const QString& healthN
 // goes to the SQL log after the commit. Throws DbError (rolled back) when refused.
 void storeAnswer(Database& db, const SqlLog& log, qint64 patientId, const CardAnswer& answer);
 
+// The same inside a transaction the caller commits: the statement for the SQL log is returned,
+// to be written once the caller's commit has made it true.
+QString storeAnswerUnlogged(Database& db, qint64 patientId, const CardAnswer& answer);
+
 }  // namespace brimsett::hcv

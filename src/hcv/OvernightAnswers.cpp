@@ -2,6 +2,7 @@
 
 #include "foundation/Database.h"
 #include "foundation/DateText.h"
+#include "foundation/SqlLog.h"
 #include "hcv/CardAnswerStore.h"
 #include "hcv/ResponseCodes.h"
 
@@ -62,6 +63,7 @@ OvernightResult applyOvernightFile(Database& db, const SqlLog& log, const QStrin
     // The answers are as old as the file the ministry made, not as the moment it was read.
     const QDateTime checkedAt = QFileInfo(path).lastModified();
     static const QRegularExpression lineBreak(QStringLiteral("[\r\n]"));
+    QStringList logged;
     try {
         Transaction t(db, QStringLiteral("storing the answers of ") + path);
         for (const QString& line : text.split(lineBreak, Qt::SkipEmptyParts)) {
@@ -79,8 +81,8 @@ OvernightResult applyOvernightFile(Database& db, const SqlLog& log, const QStrin
                                      ResponseMessage(answer->code),
                                      {}};
             if (applied.patientId) {
-                storeAnswer(
-                    db, log, *applied.patientId,
+                logged << storeAnswerUnlogged(
+                    db, *applied.patientId,
                     CardAnswer{answer->code, checkedAt, answer->hasDetails(), answer->firstName,
                                answer->lastName, answer->sex, answer->dob});
                 QSqlQuery q =
@@ -97,6 +99,11 @@ OvernightResult applyOvernightFile(Database& db, const SqlLog& log, const QStrin
     } catch (const DbError& e) {
         result.cards.clear();
         result.problem = QStringLiteral("Nothing was stored: ") + e.message();
+        return result;
+    }
+    // Only a committed file goes to the other computers.
+    for (const QString& statement : logged) {
+        log.write(statement);
     }
     return result;
 }

@@ -185,9 +185,11 @@ private slots:
         QCOMPARE(paragraphs(report).first(), QString("%1 cards.").arg(failed.size()));
     }
 
-    // One transaction: a refusal on the last card leaves the first one unstored too.
+    // One transaction: a refusal on the last card leaves the first one unstored too, and the
+    // other computers are sent nothing of it.
     void refusedWriteStoresNothing() {
         Office o;
+        o.log.setOn(true);
         o.addPatient(1, "1111111116");
         o.addPatient(2, "2222222222");
         test::refuseRows(*o.db, "Update", "patients", "NEW.PatientID = 2", "disk full");
@@ -199,6 +201,7 @@ private slots:
         QVERIFY(result.problem.startsWith("Nothing was stored: "));
         QVERIFY(result.cards.isEmpty());
         QCOMPARE(o.stored(1), before);
+        QVERIFY(!QFileInfo::exists(o.log.path()));
         QVERIFY(
             !hcv::applyOvernightFile(*o.db, o.log, o.office.file("none.txt")).problem.isEmpty());
     }
