@@ -18,4 +18,16 @@ HcvSettings HcvSettings::read(const SettingsStore& store) {
     return s;
 }
 
+void HcvSettings::save(SettingsStore& store) const {
+    const QString general = QStringLiteral("General");
+    store.save(general, QStringLiteral("HX"), hx);
+    store.save(general, QStringLiteral("FX"), fx);
+    store.save(general, QStringLiteral("PX"), px);
+    store.save(general, QStringLiteral("MX"), mx);
+    store.save(general, QStringLiteral("HO"), ho);
+    store.save(general, QStringLiteral("HI"), hi);
+    store.save(QStringLiteral("Options"), QStringLiteral("TCP1"),
+               pollingOn ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
 }  // namespace brimsett::hcv

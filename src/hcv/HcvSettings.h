@@ -20,6 +20,8 @@ struct HcvSettings {
     bool pollingOn = false;  // "TCP1" is "1"
 
     static HcvSettings read(const SettingsStore& store);
+    // Writes every key; "TCP1" as "1" or "0" (it counts from the next start).
+    void save(SettingsStore& store) const;
 };
 
 }  // namespace brimsett::hcv

@@ -1,6 +1,7 @@
 #include "screens/frmOptions.h"
 
 #include "foundation/OptionCaptions.h"
+#include "screens/CardCheckOptionsPage.h"
 #include "screens/ClaimOptionsPage.h"
 #include "screens/ScreenPrompter.h"
 #include "screens/SlotGuard.h"
@@ -69,6 +70,8 @@ frmOptions::frmOptions(const AppSettings& settings, SettingsStore& store, Databa
     m_tabs->addTab(printingPage(), QStringLiteral("Printing"));
     m_claimPage = new ClaimOptionsPage(ClaimEntryOptions::read(m_store), this);
     m_tabs->addTab(m_claimPage, QStringLiteral("Claims"));
+    m_cardPage = new CardCheckOptionsPage(hcv::HcvSettings::read(m_store), this);
+    m_tabs->addTab(m_cardPage, QStringLiteral("Card Checks"));
     m_tabs->addTab(messagesPage(), QStringLiteral("Messages"));
     m_tabs->addTab(systemPage(), QStringLiteral("System"));
     layout->addWidget(m_tabs);
@@ -299,6 +302,7 @@ void frmOptions::accept() {
         return;
     }
     m_claimPage->options().save(m_store);
+    m_cardPage->settings().save(m_store);
     m_saved = m_editor.settings();
     QDialog::accept();
 }

@@ -14,6 +14,7 @@ class QTabWidget;
 
 namespace brimsett {
 
+class CardCheckOptionsPage;
 class ClaimOptionsPage;
 class Database;
 class Prompter;
@@ -71,6 +72,7 @@ private:
     QLineEdit* m_track0 = nullptr;
     QComboBox* m_menuFont = nullptr;
     ClaimOptionsPage* m_claimPage = nullptr;
+    CardCheckOptionsPage* m_cardPage = nullptr;
 };
 
 }  // namespace brimsett
