@@ -30,12 +30,6 @@ namespace {
 
 enum Column { EdtColumn, DoctorColumn, PatientColumn, HealthNumberColumn };
 
-// Where the disk dialog of this window last ended, for the next submission of the run.
-QString& lastDiskFolder() {
-    static QString folder;
-    return folder;
-}
-
 QString checkedText(const QDateTime& at) {
     return at.isValid() ? datetext::slashed(at.date()) + QLatin1Char(' ') +
                               at.time().toString(QStringLiteral("HH:mm"))
@@ -297,7 +291,7 @@ void FrmCheckHealth::submitClicked() {
         return;
     }
     const std::optional<TransferPlaces> places =
-        placesForTransfer(QStringLiteral("The disk to copy the card files to"), lastDiskFolder());
+        placesForTransfer(QStringLiteral("The disk to copy the card files to"), submitDiskFolder());
     if (!places) {
         return;
     }

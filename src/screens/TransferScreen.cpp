@@ -163,6 +163,11 @@ std::optional<TransferPlaces> TransferScreen::placesForTransfer(const QString& c
     return places;
 }
 
+QString& TransferScreen::submitDiskFolder() {
+    static QString folder;
+    return folder;
+}
+
 ClaimTransfer TransferScreen::transferTo(const TransferPlaces& places) {
     return ClaimTransfer(m_db, m_store, m_clock, m_prompter, m_statusWait, m_log, places);
 }

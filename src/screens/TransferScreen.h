@@ -66,6 +66,9 @@ protected:
     // dialog says caption and starts at lastFolder, or the removable media when that is
     // empty, and keeps the answer there). None when the question was cancelled.
     std::optional<TransferPlaces> placesForTransfer(const QString& caption, QString& lastFolder);
+    // Where the last disk dialog of a submission ended in this run: claim files and card
+    // files go to the same disk.
+    static QString& submitDiskFolder();
     // The transfer to those places; its waiting shows in the status line.
     ClaimTransfer transferTo(const TransferPlaces& places);
 

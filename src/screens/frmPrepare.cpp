@@ -39,12 +39,6 @@ namespace {
 
 enum Column { DoctorColumn, BatchColumn, CountsColumn, TotalColumn, FileColumn, SubmittedColumn };
 
-// Where the disk dialog of the run last ended.
-QString& lastDiskFolder() {
-    static QString folder;
-    return folder;
-}
-
 }  // namespace
 
 frmPrepare::frmPrepare(Database& db, AppSettings& settings, SettingsStore& store,
@@ -375,7 +369,7 @@ void frmPrepare::submitClicked() {
         return;
     }
     const std::optional<TransferPlaces> places =
-        placesForTransfer(QStringLiteral("The disk to copy the claim file to"), lastDiskFolder());
+        placesForTransfer(QStringLiteral("The disk to copy the claim file to"), submitDiskFolder());
     if (!places) {
         return;
     }
