@@ -3,11 +3,10 @@
 #include "foundation/AppSettings.h"
 #include "foundation/Clock.h"
 #include "foundation/DateText.h"
-#include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "hcv/ResponseCodes.h"
 #include "patients/PatientEntry.h"
-#include "patients/ProviderRegister.h"
+#include "patients/Provider.h"
 #include "screens/BusyParts.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
@@ -64,7 +63,9 @@ FrmCheckHealth::FrmCheckHealth(Database& db, AppSettings& settings, SettingsStor
     layout->addWidget(grid, 1);
     layout->addWidget(status);
 
-    loadDoctorNames();
+    // This list has always named the doctors first name first.
+    loadDoctors(m_settings.lastDoctor,
+                [](const Provider& p) { return p.fName + QLatin1Char(' ') + p.lName; });
     m_day->setText(datetext::slashed(m_clock.today()));
     resize(880, 540);
     m_doctor->setFocus();
@@ -165,25 +166,6 @@ QWidget* FrmCheckHealth::buildGridPanel() {
     layout->addWidget(m_grid, 1);
     layout->addLayout(submitRow);
     return panel;
-}
-
-void FrmCheckHealth::loadDoctorNames() {
-    QList<Provider> providers;
-    try {
-        providers = ProviderRegister(m_db, m_settings, m_prompter, m_log).list();
-    } catch (const DbError& e) {
-        m_prompter.error({QStringLiteral("The providers could not be read."), e.message()});
-    }
-    for (const Provider& p : std::as_const(providers)) {
-        // This list has always named the doctors first name first.
-        m_doctor->addItem(p.doctorId + QStringLiteral(" - ") + p.fName + QLatin1Char(' ') + p.lName,
-                          p.doctorId);
-    }
-    int chosen = m_doctor->findData(m_settings.lastDoctor, Qt::UserRole, Qt::MatchFixedString);
-    if (chosen < 0 && m_doctor->count() == 1) {
-        chosen = 0;
-    }
-    m_doctor->setCurrentIndex(chosen);
 }
 
 void FrmCheckHealth::open(const QString& doctorId, const QDate& day) {

@@ -41,7 +41,6 @@ private:
     QWidget* buildDayPanel();
     QWidget* buildCardPanel();
     QWidget* buildGridPanel();
-    void loadDoctorNames();
     void startClicked();
     void cardClicked();
     void lookUpClicked();

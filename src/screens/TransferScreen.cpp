@@ -68,7 +68,8 @@ QComboBox* TransferScreen::makeDoctorList(QWidget* parent) {
     return m_doctor;
 }
 
-void TransferScreen::loadDoctors(const QString& lastDoctor) {
+void TransferScreen::loadDoctors(const QString& lastDoctor,
+                                 const std::function<QString(const Provider&)>& named) {
     QList<Provider> providers;
     try {
         providers = ProviderRegister(m_db, m_settings, m_prompter, m_log).list();
@@ -76,7 +77,8 @@ void TransferScreen::loadDoctors(const QString& lastDoctor) {
         m_prompter.error({QStringLiteral("The providers could not be read."), e.message()});
     }
     for (const Provider& p : std::as_const(providers)) {
-        m_doctor->addItem(p.doctorId + QStringLiteral(" - ") + p.displayName(), p.doctorId);
+        m_doctor->addItem(p.doctorId + QStringLiteral(" - ") + (named ? named(p) : p.displayName()),
+                          p.doctorId);
     }
     int chosen = m_doctor->findData(lastDoctor, Qt::UserRole, Qt::MatchFixedString);
     if (chosen < 0 && m_doctor->count() == 1) {

@@ -22,6 +22,7 @@ class Prompter;
 class SettingsStore;
 class SqlLog;
 struct AppSettings;
+struct Provider;
 
 // What the windows that exchange files with the ministry ("Submit Claims", "Reconcile")
 // have in common: the office's parts, the doctor and method choice lists (the method is
@@ -46,8 +47,10 @@ protected:
 
     // The doctor list ("cboDoctor"), empty until loadDoctors.
     QComboBox* makeDoctorList(QWidget* parent);
-    // Every provider, starting at lastDoctor (or the only provider there is).
-    void loadDoctors(const QString& lastDoctor);
+    // Every provider, starting at lastDoctor (or the only provider there is), each shown as
+    // its ID, " - " and its name as named (by default "Last, First").
+    void loadDoctors(const QString& lastDoctor,
+                     const std::function<QString(const Provider&)>& named = {});
     // The chosen doctor's ID; empty when none is chosen.
     QString doctorId() const;
     // The method list ("cboMethod"), starting at "SubmitMethod".
