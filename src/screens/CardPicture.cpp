@@ -109,8 +109,9 @@ void CardPicture::paintEvent(QPaintEvent*) {
     bandFont.setPixelSize(qRound(band.height() * 0.45));
     p.setFont(bandFont);
     p.setPen(colours.bandText);
-    p.drawText(band.adjusted(card.width() * 0.05, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-               QStringLiteral("HEALTH CARD"));
+    p.drawText(
+        band.adjusted(card.width() * 0.05, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+        m_look == Look::Wrong ? QStringLiteral("UNKNOWN CARD") : QStringLiteral("HEALTH CARD"));
     p.restore();
     p.setPen(QPen(colours.band.darker(120), 1.5));
     p.setBrush(Qt::NoBrush);
