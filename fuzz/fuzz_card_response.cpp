@@ -18,9 +18,9 @@ namespace {
 using namespace brimsett;
 
 void checkCuts(const hcv::CardResponse& r) {
-    // The number and the code are fixed-width cuts; details always carry a name.
-    if (r.healthNum.size() > 10 || r.code.size() > 2 ||
-        r.installation.startsWith(QLatin1Char('"')) ||
+    // The number and the code are fixed-width cuts, the identifier ends at the first "|"
+    // (only one leading quote is dropped: '""X' stays '"X'); details always carry a name.
+    if (r.healthNum.size() > 10 || r.code.size() > 2 || r.installation.contains(QLatin1Char('|')) ||
         (r.hasDetails && r.lastName.isEmpty() && r.firstName.isEmpty())) {
         std::abort();
     }
