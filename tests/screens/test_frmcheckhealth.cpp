@@ -1,4 +1,5 @@
 #include "OfficeFixture.h"
+#include "ScreenTestSupport.h"
 
 #include "foundation/ActionRegistry.h"
 #include "hcv/CardExchange.h"
@@ -58,24 +59,9 @@ struct Desk : test::OfficeFixture {
     }
     template <typename T>
     T* child(const char* name) const {
-        T* found = window->findChild<T*>(QString::fromLatin1(name));
-        if (!found) {
-            qWarning("no child %s", name);
-        }
-        return found;
+        return test::childNamed<T>(window, name);
     }
-    QStringList grid() const {
-        QStringList rows;
-        auto* list = child<QTreeWidget>("grdCards");
-        for (int i = 0; i < list->topLevelItemCount(); ++i) {
-            QStringList cells;
-            for (int c = 0; c < list->columnCount(); ++c) {
-                cells << list->topLevelItem(i)->text(c);
-            }
-            rows << cells.join('|');
-        }
-        return rows;
-    }
+    QStringList grid() const { return test::treeRows(child<QTreeWidget>("grdCards")); }
     void type(const char* field, const QString& text) const {
         child<QLineEdit>(field)->setText(text);
     }

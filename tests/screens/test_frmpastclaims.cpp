@@ -1,4 +1,5 @@
 #include "../ministry/BatchOffice.h"
+#include "ScreenTestSupport.h"
 #include "foundation/ActionRegistry.h"
 #include "foundation/SettingsStore.h"
 #include "screens/ClaimScreens.h"
@@ -140,11 +141,7 @@ struct Desk : test::BatchOffice {
     }
     template <typename T>
     T* child(const char* name) const {
-        T* found = window->findChild<T*>(QString::fromLatin1(name));
-        if (found == nullptr) {
-            qFatal("no %s", name);
-        }
-        return found;
+        return test::childNamed<T>(window, name);
     }
     void type(const char* field, const QString& text) const {
         child<QLineEdit>(field)->setText(text);

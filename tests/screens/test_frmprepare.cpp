@@ -1,4 +1,5 @@
 #include "OfficeFixture.h"
+#include "ScreenTestSupport.h"
 
 #include "../claims/ClaimSamples.h"
 #include "claims/ClaimEntryRecord.h"
@@ -66,24 +67,9 @@ struct Desk : test::OfficeFixture {
     }
     template <typename T>
     T* child(const char* name) const {
-        T* found = window->findChild<T*>(QString::fromLatin1(name));
-        if (!found) {
-            qWarning("no child %s", name);
-        }
-        return found;
+        return test::childNamed<T>(window, name);
     }
-    QStringList listed() const {
-        QStringList rows;
-        auto* list = child<QTreeWidget>("lstBatches");
-        for (int i = 0; i < list->topLevelItemCount(); ++i) {
-            QStringList cells;
-            for (int c = 0; c < list->columnCount(); ++c) {
-                cells << list->topLevelItem(i)->text(c);
-            }
-            rows << cells.join('|');
-        }
-        return rows;
-    }
+    QStringList listed() const { return test::treeRows(child<QTreeWidget>("lstBatches")); }
     void click(const char* name) const {
         QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton);
     }

@@ -1,4 +1,5 @@
 #include "OfficeFixture.h"
+#include "ScreenTestSupport.h"
 
 #include "foundation/ActionRegistry.h"
 #include "hcv/CardExchange.h"
@@ -57,11 +58,7 @@ struct Desk : test::OfficeFixture {
     }
     template <typename T>
     T* child(const char* name) const {
-        T* found = window->findChild<T*>(QString::fromLatin1(name));
-        if (!found) {
-            qWarning("no child %s", name);
-        }
-        return found;
+        return test::childNamed<T>(window, name);
     }
     QString shown(const char* name) const { return child<QLabel>(name)->text(); }
     CardPicture* picture() const { return child<CardPicture>("cardPicture"); }
