@@ -138,8 +138,8 @@ private slots:
                   kCard, all, both);
         test::row("none stored", QVariant(), QVariant(), QVariant(), kCard, all, both);
         test::row("version only", zz, exp, dob, kCard, "Version code,  updated. (ID: 7)", both);
-        test::row("unchanged", ab, exp, dob, kCard, "", both);
-        // A card without expiry, or a short swipe, never clears what is stored.
+        // A card without expiry, or a short swipe, never clears what is stored; what is left
+        // unchanged is not written.
         test::row("card without expiry", ab, QVariant(QDate(2020, 1, 1)), dob,
                   "%B61005498765432250^DOE/JANE MARY^0000520119800115AB12345201215?", "",
                   "7|Jane|Doe|9876543225|AB|2020-01-01|1980-01-15");
@@ -272,11 +272,11 @@ private slots:
                                 std::max(states[i], 0), states[i] < 0 ? 1 : 0, doctor});
         }
         QStringList requests;
-        const auto request = [&](const QString& number, const QString& version) {
-            requests << number + " " + version;
-        };
-        const SwipeOutcome out =
-            SwipeMatch(*f.db, f.settings, f.prompter, f.clock, f.log, true, request).match(card());
+        const SwipeOutcome out = SwipeMatch(*f.db, f.settings, f.prompter, f.clock, f.log, true,
+                                            [&](const QString& number, const QString& version) {
+                                                requests << number + " " + version;
+                                            })
+                                     .match(card());
         QCOMPARE(out.appointmentLine, line);
         QVERIFY(out.checkRequested);
         QCOMPARE(requests, QStringList{"9876543225 AB"});
@@ -285,13 +285,6 @@ private slots:
                                                      " (ID: 7)")
                                            : QString("New patient (not in database)."));
         QVERIFY(f.prompter.messages().isEmpty());
-
-        // Polling off asks for no check.
-        requests.clear();
-        const SwipeOutcome quiet =
-            SwipeMatch(*f.db, f.settings, f.prompter, f.clock, f.log, false, request).match(card());
-        QVERIFY(!quiet.checkRequested);
-        QVERIFY(requests.isEmpty());
     }
 };
 
