@@ -75,9 +75,7 @@ private slots:
                   "HX01|1234567897|80|||||");
         test::row("details without names are not taken", "HX01|" + kRecord + "|50|OK|AB|",
                   "HX01|1234567897|50|AB||||");
-        test::row("short record", "HX01|RPVR0300 12345", "HX01|12345||||||");
         test::row("no bar at all", "HX01 RPVR0300 1234567897", "|||||||");
-        test::row("bars only", "|||||", "|||||||||");
         test::row("empty file", "", "|||||||");
     }
     void answerFileIsCut() {
