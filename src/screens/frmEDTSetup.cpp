@@ -5,6 +5,7 @@
 #include "foundation/Prompter.h"
 #include "foundation/UnsavedChanges.h"
 #include "ministry/EdtPasswordSeal.h"
+#include "ministry/ModemPorts.h"
 #include "patients/ProviderRegister.h"
 #include "screens/EnterMovesOn.h"
 #include "screens/RecordList.h"
@@ -52,9 +53,11 @@ frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter
 
     QWidget* login = loginPanel();
     QWidget* general = generalPanel();
-    for (QLineEdit* line : {m_userId, m_password, m_mode, m_phone, m_port, m_timeOut}) {
+    for (QLineEdit* line : {m_userId, m_password, m_mode, m_phone, m_timeOut}) {
         enter->watch(line);
     }
+    enter->watch(m_port);
+    enter->watch(m_port->lineEdit());
     enter->watch(m_speed);
 
     auto* save = new QPushButton(QStringLiteral("&Save"), this);
@@ -129,12 +132,24 @@ QWidget* frmEDTSetup::generalPanel() {
     auto* form = new QFormLayout(box);
     form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     m_phone = recordlist::sizedLine(box, 60, 20);
-    m_port = recordlist::sizedLine(box, 60, 20);
+    m_port = new QComboBox(box);
+    m_port->setEditable(true);
+    m_port->setInsertPolicy(QComboBox::NoInsert);
+    m_port->lineEdit()->setMaxLength(60);
+    m_port->setMinimumContentsLength(20);
+    m_port->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_portNote = new QLabel(box);
+    m_portNote->setObjectName(QStringLiteral("portNote"));
+    connect(m_port, &QComboBox::editTextChanged, this, [this] { describePort(); });
+    auto* port = new QHBoxLayout;
+    port->addWidget(m_port);
+    port->addWidget(m_portNote, 1);
     m_speed = new QComboBox(box);
     m_speed->addItems(EdtParams::lineSpeeds());
     m_timeOut = recordlist::sizedLine(box, 3, 4);
     form->addRow(QStringLiteral("&Telephone Number:"), m_phone);
-    form->addRow(QStringLiteral("Modem P&ort:"), m_port);
+    form->addRow(QStringLiteral("Modem P&ort:"), port);
+    qobject_cast<QLabel*>(form->labelForField(port))->setBuddy(m_port);
     form->addRow(QStringLiteral("&Line Speed:"), m_speed);
     form->addRow(QStringLiteral("T&ime-out (seconds):"), m_timeOut);
     return box;
@@ -147,7 +162,16 @@ void frmEDTSetup::loadGeneral() {
         m_prompter.error({QStringLiteral("The EDT settings could not be read."), e.message()});
     }
     m_phone->setText(m_general.value(EdtParams::kPhone));
-    m_port->setText(m_general.value(EdtParams::kPort));
+    // An older office's " - COM n" shows as the device it means here, and is saved so.
+    const QString port = modemports::device(m_general.value(EdtParams::kPort));
+    m_port->clear();
+    for (const modemports::Port& p :
+         modemports::offered(modemports::available(), m_general.value(EdtParams::kPort))) {
+        m_port->addItem(p.device);
+        m_port->setItemData(m_port->count() - 1, p.description, Qt::ToolTipRole);
+    }
+    m_port->setEditText(port);
+    describePort();
     const int speed = m_speed->findText(m_general.value(EdtParams::kSpeed));
     m_speed->setCurrentIndex(speed < 0 ? 0 : speed);
     m_timeOut->setText(
@@ -208,10 +232,18 @@ void frmEDTSetup::listRowChanged(QTreeWidgetItem* current) {
 QMap<QChar, QString> frmEDTSetup::generalFromFields() const {
     QMap<QChar, QString> general = m_general;  // settings this screen does not show are kept
     general.insert(EdtParams::kPhone, m_phone->text().trimmed());
-    general.insert(EdtParams::kPort, m_port->text().trimmed());
+    general.insert(EdtParams::kPort, m_port->currentText().trimmed());
     general.insert(EdtParams::kSpeed, m_speed->currentText());
     general.insert(EdtParams::kTimeOut, m_timeOut->text().trimmed());
     return general;
+}
+
+void frmEDTSetup::describePort() {
+    const QString device = modemports::device(m_port->currentText());
+    const int found = m_port->findText(device);
+    m_portNote->setText(device.isEmpty() ? QString()
+                        : found < 0      ? modemports::kMissing
+                                         : m_port->itemData(found, Qt::ToolTipRole).toString());
 }
 
 bool frmEDTSetup::changed() const {

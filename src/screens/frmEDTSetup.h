@@ -47,6 +47,7 @@ private:
     bool changed() const;
     bool leaveShown();
     QMap<QChar, QString> generalFromFields() const;
+    void describePort();
 
     Database& m_db;
     AppSettings& m_settings;
@@ -60,7 +61,8 @@ private:
     QLineEdit* m_mode = nullptr;
     QLabel* m_modeChanged = nullptr;
     QLineEdit* m_phone = nullptr;
-    QLineEdit* m_port = nullptr;
+    QComboBox* m_port = nullptr;   // editable: the ports found, or any device typed
+    QLabel* m_portNote = nullptr;  // what the chosen port is
     QComboBox* m_speed = nullptr;
     QLineEdit* m_timeOut = nullptr;
 

@@ -95,6 +95,30 @@ private slots:
         QCOMPARE(passwordChanged(screen.get()), QStringLiteral("2025/03/04"));
     }
 
+    // An older office's " - COM 2" shows as the device it means; any device may be typed.
+    void modemPortIsAnEditableList() {
+        Office o;
+        o.db->exec("Insert Into edtparams Values ('P', ' - COM 2')");
+        auto screen = o.open();
+        screen->show();
+        QVERIFY(QTest::qWaitForWindowActive(screen.get()));
+        auto* port = qobject_cast<QComboBox*>(field(screen.get(), "Modem Port"));
+        QVERIFY(port && port->isEditable());
+        QCOMPARE(port->currentText(), QStringLiteral("/dev/ttyS1"));
+        QVERIFY(port->findText("/dev/ttyS1") >= 0);
+        QVERIFY(!screen->findChild<QLabel*>("portNote")->text().isEmpty());
+
+        port->setFocus();
+        port->lineEdit()->selectAll();
+        QTest::keyClicks(port, "/dev/ttyUSB3");
+        QTest::keyClick(port, Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), field(screen.get(), "Line Speed"));
+        QCOMPARE(port->findText("/dev/ttyUSB3"), -1);  // typing adds no list entry
+        QTest::keyClick(screen.get(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(o.prompter.messages().size(), 0);
+        QVERIFY(o.rows().contains("P|/dev/ttyUSB3"));
+    }
+
     void waitingKeepsTheScreenAlive() {
         QStringList statuses;
         RepaintingWait wait([&statuses](const QString& text) { statuses << text; });
