@@ -85,22 +85,30 @@ QString EdtLog::colour(EdtEvent kind) {
 }
 
 QString EdtLog::visibleHtml(const QString& text) {
+    // The ASCII names, in grey: every font has the letters, and a "<CR>" the host sent as
+    // text stays black.
+    static const char* const names[32] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL",
+                                          "BS",  "TAB", "LF",  "VT",  "FF",  "CR",  "SO",  "SI",
+                                          "DLE", "DC1", "DC2", "DC3", "DC4", "NAK", "SYN", "ETB",
+                                          "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US"};
+    const auto named = [](const char* name) {
+        return QStringLiteral("<span style=\"color:#808080\">&lt;") + QLatin1String(name) +
+               QStringLiteral("&gt;</span>");
+    };
     QString html;
     html.reserve(text.size() + text.size() / 4);
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text.at(i);
         const char16_t u = c.unicode();
-        if (u == u'\r') {
-            html += QChar(0x240D);
-            if (i + 1 >= text.size() || text.at(i + 1) != QLatin1Char('\n')) {
+        if (u < 0x20) {
+            html += named(names[u]);
+            // A line end shows as one, so a host's screen reads as its lines.
+            const bool crlf = u == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n';
+            if (((u == u'\r' && !crlf) || u == u'\n') && i + 1 < text.size()) {
                 html += QStringLiteral("<br>");
             }
-        } else if (u == u'\n') {
-            html += QChar(0x240A) + QStringLiteral("<br>");
-        } else if (u < 0x20) {
-            html += QChar(0x2400 + u);  // the Control Pictures block in code order
         } else if (u == 0x7F) {
-            html += QChar(0x2421);
+            html += named("DEL");
         } else if (u == u' ' && i > 0 && text.at(i - 1) == QLatin1Char(' ')) {
             html += QStringLiteral("&nbsp;");  // a host's screen lines up its columns
         } else {
@@ -177,8 +185,8 @@ bool EdtLog::start(const QMap<QChar, QString>& general) {
     head += QStringLiteral(
         "</table>\n<p></p>\n"
         "<table border=\"1\" cellspacing=\"0\" cellpadding=\"3\" width=\"100%\">\n"
-        "<tr><th align=\"left\">Time</th><th align=\"left\">Event</th>"
-        "<th align=\"left\" width=\"100%\">Text</th></tr>\n");
+        "<tr><th align=\"left\" width=\"80\">Time</th><th align=\"left\" width=\"80\">Event</th>"
+        "<th align=\"left\">Text</th></tr>\n");
     write(head);
     return m_open;
 }
@@ -197,12 +205,13 @@ void EdtLog::add(EdtEvent kind, const QString& text) {
         }
         rows << QStringLiteral("(%1 more characters not logged)").arg(logged.size() - shown);
     }
-    const QString cell = QStringLiteral("<td bgcolor=\"%1\">").arg(colour(kind));
+    const QString cell = QStringLiteral("<td bgcolor=\"%1\"").arg(colour(kind));
+    const QString label = cell + QStringLiteral(" nowrap>");
     const bool error = kind == EdtEvent::Error;
     QString html;
     for (const QString& row : std::as_const(rows)) {
-        html += QStringLiteral("<tr>") + cell + time() + QStringLiteral("</td>") + cell +
-                kindName(kind) + QStringLiteral("</td>") + cell +
+        html += QStringLiteral("<tr>") + label + time() + QStringLiteral("</td>") + label +
+                kindName(kind) + QStringLiteral("</td>") + cell + QLatin1Char('>') +
                 (error ? QStringLiteral("<b><code>") : QStringLiteral("<code>")) +
                 visibleHtml(row) +
                 (error ? QStringLiteral("</code></b>") : QStringLiteral("</code>")) +

@@ -48,8 +48,8 @@ public:
 
     static QString kindName(EdtEvent kind);
     static QString colour(EdtEvent kind);
-    // The text as HTML: escaped, control characters shown as their symbols (CR as U+240D),
-    // line ends kept as line breaks and runs of blanks kept.
+    // The text as HTML: escaped, control characters shown by name ("<CR>"), line ends kept as
+    // line breaks and runs of blanks kept.
     static QString visibleHtml(const QString& text);
 
 private:
