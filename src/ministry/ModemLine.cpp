@@ -23,35 +23,23 @@ std::optional<LineSpeed> LineSpeed::parse(const QString& text) {
     if (!ok || line.baud <= 0) {
         return std::nullopt;
     }
+    // The letters' order is the parities' below.
+    static constexpr QSerialPort::Parity parities[] = {
+        QSerialPort::NoParity, QSerialPort::EvenParity, QSerialPort::OddParity,
+        QSerialPort::MarkParity, QSerialPort::SpaceParity};
     const QString parity = parts[1].trimmed().toLower();
-    if (parity == QLatin1String("n")) {
-        line.parity = QSerialPort::NoParity;
-    } else if (parity == QLatin1String("e")) {
-        line.parity = QSerialPort::EvenParity;
-    } else if (parity == QLatin1String("o")) {
-        line.parity = QSerialPort::OddParity;
-    } else if (parity == QLatin1String("m")) {
-        line.parity = QSerialPort::MarkParity;
-    } else if (parity == QLatin1String("s")) {
-        line.parity = QSerialPort::SpaceParity;
-    } else {
-        return std::nullopt;
-    }
+    const qsizetype parityAt = parity.size() == 1 ? QStringLiteral("neoms").indexOf(parity) : -1;
     const int bits = parts[2].trimmed().toInt(&ok);
-    if (!ok || bits < 5 || bits > 8) {
+    const QStringList stops = {"1", "1.5", "2"};
+    static constexpr QSerialPort::StopBits stopBits[] = {
+        QSerialPort::OneStop, QSerialPort::OneAndHalfStop, QSerialPort::TwoStop};
+    const qsizetype stopAt = stops.indexOf(parts[3].trimmed());
+    if (parityAt < 0 || !ok || bits < 5 || bits > 8 || stopAt < 0) {
         return std::nullopt;
     }
+    line.parity = parities[parityAt];
     line.dataBits = static_cast<QSerialPort::DataBits>(bits);
-    const QString stop = parts[3].trimmed();
-    if (stop == QLatin1String("1")) {
-        line.stopBits = QSerialPort::OneStop;
-    } else if (stop == QLatin1String("1.5")) {
-        line.stopBits = QSerialPort::OneAndHalfStop;
-    } else if (stop == QLatin1String("2")) {
-        line.stopBits = QSerialPort::TwoStop;
-    } else {
-        return std::nullopt;
-    }
+    line.stopBits = stopBits[stopAt];
     return line;
 }
 

@@ -50,6 +50,8 @@ class TestModemSession : public QObject {
     Q_OBJECT
 
 private slots:
+    void lineSpeed_data();
+    void lineSpeed();
     void open_data();
     void open();
     void dial_data();
@@ -59,6 +61,23 @@ private slots:
     void hangUp_data();
     void hangUp();
 };
+
+// Settings a pseudo-terminal cannot take (below, `open` tries those it can).
+void TestModemSession::lineSpeed_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("fields");  // baud, parity, data bits, stop bits
+    QTest::newRow("even") << "2400,E,7,2" << QList<int>{2400, QSerialPort::EvenParity, 7, 2};
+    QTest::newRow("odd") << "1200,o,5,1.5" << QList<int>{1200, QSerialPort::OddParity, 5, 3};
+    QTest::newRow("mark") << "300,m,6,1" << QList<int>{300, QSerialPort::MarkParity, 6, 1};
+    QTest::newRow("space") << "300,s,8,1" << QList<int>{300, QSerialPort::SpaceParity, 8, 1};
+}
+
+void TestModemSession::lineSpeed() {
+    QFETCH(QString, text);
+    const std::optional<LineSpeed> line = LineSpeed::parse(text);
+    QVERIFY(line);
+    QTEST((QList<int>{line->baud, line->parity, line->dataBits, line->stopBits}), "fields");
+}
 
 void TestModemSession::open_data() {
     QTest::addColumn<QString>("device");  // "modem": the fake's; "busy": the fake's, in use
