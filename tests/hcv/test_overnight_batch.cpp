@@ -10,6 +10,7 @@
 using namespace brimsett;
 using hcv::OvernightBatch;
 using test::row;
+using L = QStringList;
 
 namespace {
 
@@ -114,34 +115,31 @@ private slots:
         QTest::addColumn<QStringList>("rows");
         QTest::addColumn<QStringList>("ids");
         const QString day23 = "OBEC015234567894EF\r\n";
-        const QStringList none(5, "<null>");
-        const QStringList ids22{"20261122", "20261122", "20261122", "<null>", "<null>"};
+        const L ids23{"20261122", "20261122", "20261122", "<null>", "20261123"};
+        const L none(5, "<null>");
+        const L kept{"20261122|OBECA.txt|3|<null>"};
+        const L ids22{"20261122", "20261122", "20261122", "<null>", "<null>"};
         const QString question =
             "OBECA.txt still holds the cards of batch 20261122, which were not submitted.\n"
             "Replace them with the cards of batch 20261123?";
-        row("no doctor", "", " ", "2026/11/22", false, "Please select a doctor.", "", QStringList{},
-            none);
+        row("no doctor", "", " ", "2026/11/22", false, "Please select a doctor.", "", L{}, none);
         row("not a date", "", "A", "2026/02/30", false, "'2026/02/30' is not a valid date.", "",
-            QStringList{}, none);
+            L{}, none);
         row("unknown doctor", "", "Z", "2026/11/22", false,
-            "Doctor Not Found.\nPlease check that the Doctor ID is correct.", "", QStringList{},
+            "Doctor Not Found.\nPlease check that the Doctor ID is correct.", "", L{}, none);
+        row("no appointments", "", "A", "2026/11/24", false, "No patient to submit.", "", L{},
             none);
-        row("no appointments", "", "A", "2026/11/24", false, "No patient to submit.", "",
-            QStringList{}, none);
         row("only a patient not in the register", "", "B", "2026/11/23", false,
-            "No patient to submit.", "", QStringList{}, none);
-        row("once", "", "A", "2026/11/22", false, "", kDayLines,
-            QStringList{"20261122|OBECA.txt|3|<null>"}, ids22);
+            "No patient to submit.", "", L{}, none);
+        row("once", "", "A", "2026/11/22", false, "", kDayLines, kept, ids22);
         row("again: the row is replaced", "unsubmitted", "A", "2026/11/22", false, "", kDayLines,
-            QStringList{"20261122|OBECA.txt|3|<null>"}, ids22);
-        row("unsubmitted, kept", "unsubmitted", "A", "2026/11/23", false, question, kDayLines,
-            QStringList{"20261122|OBECA.txt|3|<null>"}, ids22);
+            kept, ids22);
+        row("unsubmitted, kept", "unsubmitted", "A", "2026/11/23", false, question, kDayLines, kept,
+            ids22);
         row("unsubmitted, replaced", "unsubmitted", "A", "2026/11/23", true, question, day23,
-            QStringList{"20261123|OBECA.txt|1|<null>"},
-            QStringList{"20261122", "20261122", "20261122", "<null>", "20261123"});
+            L{"20261123|OBECA.txt|1|<null>"}, ids23);
         row("submitted: replaced unasked", "submitted", "A", "2026/11/23", false, "", day23,
-            QStringList{"20261122|OBECA.txt|3|2026-11-22", "20261123|OBECA.txt|1|<null>"},
-            QStringList{"20261122", "20261122", "20261122", "<null>", "20261123"});
+            L{"20261122|OBECA.txt|3|2026-11-22", "20261123|OBECA.txt|1|<null>"}, ids23);
     }
     void prepareDay() {
         QFETCH(QString, earlier);
@@ -193,7 +191,7 @@ private slots:
         QCOMPARE(o.prompter.last().title, QStringLiteral("Error"));
         QCOMPARE(o.prompter.last().lines.first(), QStringLiteral("Nothing was prepared."));
         QCOMPARE(o.fileText("OBECA.txt"), kDayLines);
-        QCOMPARE(o.rows(), QStringList{"20261122|OBECA.txt|3|<null>"});
+        QCOMPARE(o.rows(), L{"20261122|OBECA.txt|3|<null>"});
         QCOMPARE(o.record("OBECA.txt"), QStringLiteral("1"));
     }
 
@@ -224,7 +222,7 @@ private slots:
         QCOMPARE(o.fileText("HCR000.dat"),
                  prepared ? QStringLiteral("RPVR0300 1234567890KL1234563456USER0001HCNP\r\n")
                           : QString());
-        QCOMPARE(o.rows(), prepared ? QStringList{"20261122|HCR000.dat|1|<null>"} : QStringList());
+        QCOMPARE(o.rows(), prepared ? L{"20261122|HCR000.dat|1|<null>"} : QStringList());
         QCOMPARE(o.batchIds(), QStringList(5, "<null>"));
         QCOMPARE(o.record("HCR000.dat"), prepared ? QStringLiteral("1") : QString());
     }
@@ -236,29 +234,28 @@ private slots:
         QTest::addColumn<int>("sent");
         QTest::addColumn<QStringList>("messages");
         const QString noneSent = "EDT Submit: No files were submitted.";
-        row("one file", QStringList{"day"}, "", 1,
-            QStringList{"EDT Submit: The file was submitted successfully."});
-        row("both files", QStringList{"day", "card"}, "", 2,
-            QStringList{"EDT Submit: Both files were submitted successfully."});
-        row("three files", QStringList{"day", "card", "extra"}, "", 3,
-            QStringList{"EDT Submit: All 3 files were submitted successfully."});
-        row("a missing file is skipped", QStringList{"day", "card"}, "missing", 1,
-            QStringList{"EDT Submit: The file to be submitted (OBECA.txt) does not exist.",
-                        "EDT Submit: 1 file was submitted successfully,\n1 file was not "
-                        "submitted."});
-        row("a file not made here", QStringList{"day"}, "unrecorded", 0,
-            QStringList{"Error: Brimsett does not have a record of creating this batch file.\n"
-                        "Please contact technical support for further assistance.",
-                        noneSent});
-        row("already submitted", QStringList{"day"}, "submitted", 0,
-            QStringList{"EDT Submit: OBECA.txt of batch 20261122 was already submitted on "
-                        "2026/11/20.\nPrepare it again to send it again.",
-                        noneSent});
-        row("dial-up", QStringList{"day"}, "dial-up", 0,
-            QStringList{"EDT Submit: This part of Brimsett is not available yet.\nPlease choose "
-                        "\"3.5'' Disk(s)\" or \"EDT / Internet\".",
-                        noneSent});
-        row("no files", QStringList{}, "", 0, QStringList{noneSent});
+        row("one file", L{"day"}, "", 1, L{"EDT Submit: The file was submitted successfully."});
+        row("both files", L{"day", "card"}, "", 2,
+            L{"EDT Submit: Both files were submitted successfully."});
+        row("three files", L{"day", "card", "extra"}, "", 3,
+            L{"EDT Submit: All 3 files were submitted successfully."});
+        row("a missing file is skipped", L{"day", "card"}, "missing", 1,
+            L{"EDT Submit: The file to be submitted (OBECA.txt) does not exist.",
+              "EDT Submit: 1 file was submitted successfully,\n1 file was not "
+              "submitted."});
+        row("a file not made here", L{"day"}, "unrecorded", 0,
+            L{"Error: Brimsett does not have a record of creating this batch file.\n"
+              "Please contact technical support for further assistance.",
+              noneSent});
+        row("already submitted", L{"day"}, "submitted", 0,
+            L{"EDT Submit: OBECA.txt of batch 20261122 was already submitted on "
+              "2026/11/20.\nPrepare it again to send it again.",
+              noneSent});
+        row("dial-up", L{"day"}, "dial-up", 0,
+            L{"EDT Submit: This part of Brimsett is not available yet.\nPlease choose "
+              "\"3.5'' Disk(s)\" or \"EDT / Internet\".",
+              noneSent});
+        row("no files", L{}, "", 0, L{noneSent});
     }
     void submitToDisk() {
         QFETCH(QStringList, files);
@@ -327,11 +324,10 @@ private slots:
         QTest::addColumn<int>("status");  // 0: any
         QTest::addColumn<QStringList>("found");
         const QString one = "1|Last1, First1|1|50|2026-11-21T08:30:15";
-        row("number and version", "1234567890", "AB", 0, QStringList{one, "6|Last6, First6|2|65|"});
-        row("and the class", "1234567890", "AB", 2, QStringList{"6|Last6, First6|2|65|"});
-        row("no version matches NULL and empty", "3234567892", "", 0,
-            QStringList{"3|Last3, First3|0||"});
-        row("another version", "1234567890", "XY", 0, QStringList{});
+        row("number and version", "1234567890", "AB", 0, L{one, "6|Last6, First6|2|65|"});
+        row("and the class", "1234567890", "AB", 2, L{"6|Last6, First6|2|65|"});
+        row("no version matches NULL and empty", "3234567892", "", 0, L{"3|Last3, First3|0||"});
+        row("another version", "1234567890", "XY", 0, L{});
     }
     void storedResults() {
         QFETCH(QString, number);
@@ -346,8 +342,8 @@ private slots:
         QStringList shown;
         for (const hcv::StoredCheck& c : o.batch.storedResults(
                  number, version, status ? std::optional(status) : std::nullopt)) {
-            shown << QStringList{QString::number(c.patientId), c.name, QString::number(c.status),
-                                 c.response, c.checkedAt.toString(Qt::ISODate)}
+            shown << L{QString::number(c.patientId), c.name, QString::number(c.status), c.response,
+                       c.checkedAt.toString(Qt::ISODate)}
                          .join('|');
         }
         QCOMPARE(shown, found);
