@@ -13,10 +13,10 @@ struct CliResult {
     QString err;
 };
 
-// Runs brimsett-cli on the office's folder and settings, with nothing on standard input and
-// $BRIMSETT_PASSWORD only when a password is given.
+// Runs brimsett-cli on the office's folder and settings, with `input` (else nothing) on
+// standard input and $BRIMSETT_PASSWORD only when a password is given.
 inline CliResult cli(const TempOffice& office, const QStringList& args,
-                     const QString& password = {}) {
+                     const QString& password = {}, const QByteArray& input = {}) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.remove(QStringLiteral("BRIMSETT_PASSWORD"));
@@ -28,6 +28,7 @@ inline CliResult cli(const TempOffice& office, const QStringList& args,
     p.setArguments(QStringList{"--home", office.folder(), "--settings", office.settingsFile()} +
                    args);
     p.start();
+    p.write(input);
     p.closeWriteChannel();
     if (!p.waitForFinished(60000)) {
         p.kill();
