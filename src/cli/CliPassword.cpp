@@ -17,11 +17,18 @@ std::optional<QString> cliPassword() {
     if (isatty(STDIN_FILENO) == 0) {
         return std::nullopt;
     }
+    return readUnseenLine(QStringLiteral("Password: "));
+}
+
+std::optional<QString> readUnseenLine(const QString& prompt) {
+    const bool terminal = isatty(STDIN_FILENO) != 0;
     QTextStream err(stderr);
-    err << "Password: ";
-    err.flush();
     termios before{};
-    const bool quiet = tcgetattr(STDIN_FILENO, &before) == 0;
+    const bool quiet = terminal && tcgetattr(STDIN_FILENO, &before) == 0;
+    if (terminal) {
+        err << prompt;
+        err.flush();
+    }
     if (quiet) {
         termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
@@ -32,8 +39,17 @@ std::optional<QString> cliPassword() {
     if (quiet) {
         tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
     }
-    err << "\n";
-    return read ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
+    if (terminal) {
+        err << "\n";
+    }
+    if (!read) {
+        return std::nullopt;
+    }
+    QString text = QString::fromStdString(line);
+    if (text.endsWith(QLatin1Char('\r'))) {
+        text.chop(1);  // a line ended the Windows way
+    }
+    return text;
 }
 
 }  // namespace brimsett

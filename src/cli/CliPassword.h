@@ -11,4 +11,8 @@ namespace brimsett {
 // every user of the computer could read in the process list.
 std::optional<QString> cliPassword();
 
+// One line of standard input; at a terminal the prompt goes to standard error first and the
+// line is typed with the echo off. None at the end of input.
+std::optional<QString> readUnseenLine(const QString& prompt);
+
 }  // namespace brimsett

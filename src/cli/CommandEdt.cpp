@@ -1,6 +1,6 @@
+#include "cli/CliPassword.h"
 #include "cli/CliSession.h"
 #include "foundation/DateText.h"
-#include "foundation/DbError.h"
 #include "foundation/SqlLog.h"
 #include "ministry/EdtParams.h"
 #include "ministry/EdtPasswordReminder.h"
@@ -8,48 +8,9 @@
 #include "ministry/ModemPorts.h"
 #include "patients/ProviderRegister.h"
 
-#include <iostream>
-#include <string>
-
-#include <termios.h>
-#include <unistd.h>
-
 namespace brimsett {
 
 namespace {
-
-// The transfer password: one line of standard input, typed with the echo off at a terminal.
-// None at the end of input. Never an argument, which every user could read in the process
-// list, nor $BRIMSETT_PASSWORD, which opens the program's own levels.
-std::optional<QString> readTransferPassword() {
-    const bool terminal = isatty(STDIN_FILENO) != 0;
-    termios before{};
-    const bool quiet = terminal && tcgetattr(STDIN_FILENO, &before) == 0;
-    if (terminal) {
-        std::cerr << "EDT password (Enter keeps the stored one): " << std::flush;
-    }
-    if (quiet) {
-        termios silent = before;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-    }
-    std::string line;
-    const bool read = static_cast<bool>(std::getline(std::cin, line));
-    if (quiet) {
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
-    }
-    if (terminal) {
-        std::cerr << "\n";
-    }
-    if (!read) {
-        return std::nullopt;
-    }
-    QString password = QString::fromStdString(line);
-    if (password.endsWith(QLatin1Char('\r'))) {
-        password.chop(1);  // a line typed on Windows
-    }
-    return password;
-}
 
 struct Opened {
     std::optional<SqlLog> log;
@@ -95,8 +56,12 @@ int setup(CliSession& session, const CliArgs& args) {
     change.doctorId = o.provider->doctorId;
     change.userId = user;
     change.mode = stored.mode;  // kept as it is
-    // An empty line keeps the stored password, as an untouched field of the setup screen does.
-    if (const std::optional<QString> typed = readTransferPassword(); typed && !typed->isEmpty()) {
+    // One line of standard input, never an argument (every user could read it in the process
+    // list) nor $BRIMSETT_PASSWORD (it opens the program's own levels). An empty line keeps
+    // the stored password, as an untouched field of the setup screen does.
+    if (const std::optional<QString> typed =
+            readUnseenLine(QStringLiteral("EDT password (Enter keeps the stored one): "));
+        typed && !typed->isEmpty()) {
         change.password = *typed;
     }
     if (!o.params->save(change)) {
