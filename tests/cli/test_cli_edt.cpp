@@ -76,7 +76,6 @@ private slots:
             "--speed must be 57600 or 9600", before);
         row("a time-out too long", QStringList{"general", "--timeout", "121", "--phone", "1"}, "",
             1, "Number of seconds must be between 30-120.", before);
-        row("nothing to set", QStringList{"general"}, "", 2, "give at least one of", before);
         row("no such provider", QStringList{"setup", "XX", "--user", "u"}, "pw\n", 1,
             "there is no provider XX", before);
         row("a blank in the user ID", QStringList{"setup", "JS", "--user", "j smith"}, "pw\n", 2,

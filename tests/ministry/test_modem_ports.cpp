@@ -18,11 +18,9 @@ private slots:
         row("written together, lower case", " com2 ", "/dev/ttyS1");
         row("a high number", "COM12", "/dev/ttyS11");
         row("no COM 0", "COM0", "COM0");
-        row("a path as it is", "/dev/ttyUSB0", "/dev/ttyUSB0");
-        row("a stable path", "/dev/serial/by-id/usb-US_Robotics-if00",
+        row("a path as it is", "/dev/serial/by-id/usb-US_Robotics-if00",
             "/dev/serial/by-id/usb-US_Robotics-if00");
         row("a bare device name", "ttyACM0", "/dev/ttyACM0");
-        row("nothing set", "", "");
         row("not a port", "modem", "modem");
     }
     void storedValueNamesADevice() {
