@@ -50,7 +50,7 @@ public:
 
     // Waits up to `ms` for the script's end; true when every step was played.
     bool finished(int ms);
-    // Why the script stopped early (a text never expected is not a failure until the end).
+    // Why the script stopped early; empty while it still waits for an expected text.
     QString failure() const;
     // Everything read from the line so far.
     QByteArray received() const;
