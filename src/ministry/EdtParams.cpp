@@ -7,6 +7,7 @@
 #include "foundation/SqlLog.h"
 #include "foundation/SqlStatementBuilder.h"
 #include "foundation/SqlText.h"
+#include "ministry/EdtHostSettings.h"
 #include "ministry/EdtPasswordSeal.h"
 
 namespace brimsett {
@@ -185,13 +186,18 @@ bool EdtParams::save(const EdtSetupChange& change) {
     try {
         QList<Row> rows;
         bool replaceGeneral = false;
+        std::optional<QMap<QChar, QString>> general;
         if (change.general) {
             if (change.general->contains(kTimeOut) &&
                 !readTimeOut(change.general->value(kTimeOut))) {
                 m_prompter.error(timeOutMessage());
                 return false;
             }
-            for (auto it = change.general->cbegin(); it != change.general->cend(); ++it) {
+            general = sealedGeneral(*change.general);
+            if (!general) {
+                return false;
+            }
+            for (auto it = general->cbegin(); it != general->cend(); ++it) {
                 if (it.value().trimmed().size() > kValueLength) {
                     m_prompter.error({QStringLiteral("A setting can be at most %1 characters.")
                                           .arg(kValueLength)});
@@ -205,7 +211,7 @@ bool EdtParams::save(const EdtSetupChange& change) {
             for (const Row& r : std::as_const(rows)) {
                 wanted.insert(r.name.at(0), r.value);
             }
-            replaceGeneral = wanted != general();
+            replaceGeneral = wanted != this->general();
             if (!replaceGeneral) {
                 rows.clear();
             }
@@ -263,6 +269,62 @@ void EdtParams::write(const QList<Row>& rows, bool replaceGeneral) {
     for (const QString& statement : std::as_const(logged)) {
         m_log.write(statement);
     }
+}
+
+std::optional<QMap<QChar, QString>> EdtParams::sealedGeneral(QMap<QChar, QString> general) {
+    for (const edthost::Setting& s : edthost::settings()) {
+        const QString typed = general.value(s.key);
+        if (!s.secret || typed.isEmpty() || EdtPasswordSeal::isSealed(typed)) {
+            continue;
+        }
+        // The same password as stored keeps its stored form, so saving changes nothing.
+        const QString stored = this->general().value(s.key);
+        EdtPasswordSeal seal(m_keyFile);
+        if (!stored.isEmpty() && seal.open(stored) == typed) {
+            general.insert(s.key, stored);
+            continue;
+        }
+        const std::optional<QString> sealed = seal.seal(typed);
+        if (!sealed) {
+            m_prompter.error(
+                {QStringLiteral("The %1 was not saved.").arg(s.label), seal.problem()});
+            return std::nullopt;
+        }
+        general.insert(s.key, *sealed);
+    }
+    return general;
+}
+
+std::optional<QString> EdtParams::generalSecret(QChar key, QString* problem) {
+    const QString stored = general().value(key);
+    if (stored.isEmpty()) {
+        return QString();
+    }
+    EdtPasswordSeal seal(m_keyFile);
+    std::optional<QString> opened = seal.open(stored);
+    if (problem != nullptr) {
+        *problem = seal.problem();
+    }
+    return opened;
+}
+
+bool EdtParams::storeNewPassword(const QString& doctorId, const QString& password) {
+    const QString id = doctorKey(doctorId);
+    EdtPasswordSeal seal(m_keyFile);
+    const std::optional<QString> sealed = seal.seal(password);
+    if (!sealed) {
+        m_prompter.error({QStringLiteral("The new password was not saved."), seal.problem()});
+        return false;
+    }
+    const QString day = datetext::slashed(m_clock.today());
+    try {
+        write({{passwordKey(id), *sealed}, {changedKey(id), day}, {markerKey(id), QString()}},
+              false);
+    } catch (const DbError& e) {
+        m_prompter.error({QStringLiteral("The new password was not saved."), e.message()});
+        return false;
+    }
+    return true;
 }
 
 void EdtParams::clearChangeMarker(const QString& doctorId) {

@@ -65,6 +65,12 @@ public:
 
     // The dial-up session clears the marker once the host took the new password.
     void clearChangeMarker(const QString& doctorId);
+    // A new password the host took: stored sealed, its change date today and the marker
+    // cleared, in one transaction. False when it could not be kept (the prompter was told).
+    bool storeNewPassword(const QString& doctorId, const QString& password);
+    // The general setting `key` kept sealed (the network's password), opened. None when it
+    // cannot be read here (`problem` says why); empty when none is stored.
+    std::optional<QString> generalSecret(QChar key, QString* problem = nullptr);
 
     // The time-out in seconds, 30 to 120; none for anything else.
     static std::optional<int> readTimeOut(const QString& typed);
@@ -84,6 +90,8 @@ private:
     };
     QMap<QString, QString> readRows(const QStringList& names);
     std::optional<QList<Row>> loginRows(const EdtSetupChange& change);
+    // The general settings with their secrets sealed; none when one cannot be.
+    std::optional<QMap<QChar, QString>> sealedGeneral(QMap<QChar, QString> general);
     void write(const QList<Row>& rows, bool replaceGeneral);
 
     Database& m_db;

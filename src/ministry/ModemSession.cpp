@@ -74,11 +74,12 @@ TextSeen ModemSession::waitFor(const QString& texts, int timeoutSeconds) {
     for (;;) {
         const Match seen = firstComplete(m_pending, wanted);
         if (seen.index >= 0) {
+            const QByteArray used = m_pending.left(seen.end);
             m_pending.remove(0, seen.end);
-            return {seen.index, false};
+            return {seen.index, false, used};
         }
         if (m_line.lost() || !m_line.isOpen()) {
-            return {-1, true};
+            return {-1, true, {}};
         }
         if (deadline.hasExpired()) {
             break;

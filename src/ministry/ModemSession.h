@@ -15,6 +15,7 @@ namespace brimsett {
 struct TextSeen {
     int index = -1;     // which of the awaited texts came first; -1: none
     bool lost = false;  // the line was lost while waiting
+    QByteArray text;    // what the wait used up: the text read up to the end of the match
     explicit operator bool() const { return index >= 0; }
 };
 
