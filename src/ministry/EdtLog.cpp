@@ -3,6 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/DateText.h"
 #include "foundation/FileModes.h"
+#include "ministry/EdtHostSettings.h"
 #include "ministry/EdtParams.h"
 #include "ministry/EdtPasswordSeal.h"
 
@@ -24,7 +25,7 @@ QString paramName(QChar key) {
         {EdtParams::kPort, QStringLiteral("Modem Port")},
         {EdtParams::kSpeed, QStringLiteral("Line Speed")},
         {EdtParams::kTimeOut, QStringLiteral("Time-out (seconds)")}};
-    const QString name = names.value(key);
+    const QString name = names.value(key, edthost::label(key));
     return name.isEmpty() ? QString(key) : QString(key) + QStringLiteral(" (") + name + ')';
 }
 

@@ -4,6 +4,7 @@
 #include "foundation/DbError.h"
 #include "foundation/Prompter.h"
 #include "foundation/UnsavedChanges.h"
+#include "ministry/EdtHostSettings.h"
 #include "ministry/EdtPasswordSeal.h"
 #include "ministry/ModemPorts.h"
 #include "patients/ProviderRegister.h"
@@ -14,6 +15,7 @@
 
 #include <QComboBox>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -53,8 +55,12 @@ frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter
 
     QWidget* login = loginPanel();
     QWidget* general = generalPanel();
+    QWidget* host = hostPanel();
     for (QLineEdit* line : {m_userId, m_password, m_mode, m_phone, m_timeOut}) {
         enter->watch(line);
+    }
+    for (const edthost::Setting& setting : edthost::settings()) {
+        enter->watch(m_host.value(setting.key));
     }
     enter->watch(m_port);
     enter->watch(m_port->lineEdit());
@@ -81,7 +87,10 @@ frmEDTSetup::frmEDTSetup(Database& db, AppSettings& settings, Prompter& prompter
     top->addWidget(login);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top, 1);
-    layout->addWidget(general);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(general);
+    bottom->addWidget(host, 1);
+    layout->addLayout(bottom);
     layout->addLayout(buttons);
 
     loadGeneral();
@@ -155,6 +164,35 @@ QWidget* frmEDTSetup::generalPanel() {
     return box;
 }
 
+QWidget* frmEDTSetup::hostPanel() {
+    auto* box = new QGroupBox(QStringLiteral("DataPac and GONet (empty: the default)"), this);
+    auto* grid = new QGridLayout(box);
+    const QList<edthost::Setting>& all = edthost::settings();
+    const qsizetype perColumn = (all.size() + 1) / 2;
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        auto* line = new QLineEdit(box);
+        line->setMaxLength(all[i].secret ? EdtPasswordSeal::kMaxPasswordBytes : 60);
+        line->setPlaceholderText(all[i].fallback);
+        line->setMinimumWidth(
+            line->fontMetrics().horizontalAdvance(QStringLiteral("ENTER PASSWORD")) + 12);
+        line->setToolTip(all[i].fallback.isEmpty() ? QString()
+                                                   : QStringLiteral("Default: ") + all[i].fallback);
+        if (all[i].secret) {
+            line->setEchoMode(QLineEdit::Password);
+        }
+        auto* label = new QLabel(all[i].label + QLatin1Char(':'), box);
+        label->setBuddy(line);
+        const int row = int(i % perColumn);
+        const int column = int(i / perColumn) * 2;
+        grid->addWidget(label, row, column);
+        grid->addWidget(line, row, column + 1);
+        m_host.insert(all[i].key, line);
+    }
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 1);
+    return box;
+}
+
 void frmEDTSetup::loadGeneral() {
     try {
         m_general = m_params.general();
@@ -176,6 +214,26 @@ void frmEDTSetup::loadGeneral() {
     m_speed->setCurrentIndex(speed < 0 ? 0 : speed);
     m_timeOut->setText(
         m_general.value(EdtParams::kTimeOut, QString::number(EdtParams::kDefaultTimeOut)));
+    for (const edthost::Setting& setting : edthost::settings()) {
+        QLineEdit* line = m_host.value(setting.key);
+        if (!setting.secret) {
+            line->setText(m_general.value(setting.key));
+            continue;
+        }
+        QString problem;
+        std::optional<QString> secret;
+        try {
+            secret = m_params.generalSecret(setting.key, &problem);
+        } catch (const DbError& e) {
+            problem = e.message();
+        }
+        // One sealed with another computer's key is kept unless a new one is typed.
+        m_secretShown = secret.value_or(QString());
+        line->setText(m_secretShown);
+        line->setPlaceholderText(secret ? QString()
+                                        : QStringLiteral("(kept; cannot be read here)"));
+        line->setToolTip(problem);
+    }
     m_generalShown = generalFromFields();
 }
 
@@ -235,6 +293,14 @@ QMap<QChar, QString> frmEDTSetup::generalFromFields() const {
     general.insert(EdtParams::kPort, m_port->currentText().trimmed());
     general.insert(EdtParams::kSpeed, m_speed->currentText());
     general.insert(EdtParams::kTimeOut, m_timeOut->text().trimmed());
+    for (const edthost::Setting& setting : edthost::settings()) {
+        const QString typed = m_host.value(setting.key)->text();
+        if (!setting.secret) {
+            general.insert(setting.key, typed.trimmed());
+        } else if (typed != m_secretShown) {
+            general.insert(setting.key, typed);  // sealed as it is saved; untouched stays
+        }
+    }
     return general;
 }
 

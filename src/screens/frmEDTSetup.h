@@ -40,6 +40,7 @@ public:
 private:
     QWidget* loginPanel();
     QWidget* generalPanel();
+    QWidget* hostPanel();
     void listRowChanged(QTreeWidgetItem* current);
     void loadGeneral();
     void loadLogin();
@@ -65,6 +66,8 @@ private:
     QLabel* m_portNote = nullptr;  // what the chosen port is
     QComboBox* m_speed = nullptr;
     QLineEdit* m_timeOut = nullptr;
+    QMap<QChar, QLineEdit*> m_host;  // the DataPac and GONet settings; empty shows the default
+    QString m_secretShown;           // the network password as it could be read
 
     QString m_doctorId;
     EdtLogin m_login;                     // as stored

@@ -90,7 +90,8 @@ private slots:
         const QString during = s.seen();
         QVERIFY2(during.startsWith("Brimsett Log File - Sunday, November 22, 2026\n") &&
                      during.contains("Start: 10:00:00\nParam.\nValue\nN (Telephone Number)\n"
-                                     "5550100\nU\n********\nV\n********\n") &&
+                                     "5550100\nU (DataPac NUI)\n********\n"
+                                     "V (GONet Verify Prompt)\n********\n") &&
                      during.contains("10:00:00\nStep\nDialing...\n10:00:05\nReceived\n"
                                      "CONNECT 9600") &&
                      !during.contains("Finish:"),

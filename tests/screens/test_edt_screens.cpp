@@ -119,6 +119,39 @@ private slots:
         QVERIFY(o.rows().contains("P|/dev/ttyUSB3"));
     }
 
+    // The network's and host's settings show their defaults until typed; the network password
+    // is kept sealed and an untouched one is not sealed anew.
+    void hostSettings() {
+        Office o;
+        auto screen = o.open();
+        screen->show();
+        QVERIFY(QTest::qWaitForWindowActive(screen.get()));
+        QCOMPARE(line(screen.get(), "GONet UserID Prompt:")->placeholderText(),
+                 QStringLiteral("USERID"));
+        QCOMPARE(line(screen.get(), "DataPac NUI Password:")->echoMode(), QLineEdit::Password);
+        type(screen.get(), "DataPac NUI:", "NUI123");
+        type(screen.get(), "DataPac NUI Password:", "NuiSecret");
+        type(screen.get(), "GONet Main Menu:", "MENU:");
+        QTest::keyClick(screen.get(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(o.prompter.messages().size(), 0);
+        const QStringList rows = o.rows();
+        QVERIFY(rows.contains("U|NUI123") && rows.contains("M|MENU:"));
+        const QString sealed =
+            o.db->scalar("Select ParamValue From edtparams Where ParamName='W'").toString();
+        QVERIFY2(EdtPasswordSeal::isSealed(sealed), qPrintable(sealed));
+
+        screen = o.open();
+        screen->show();
+        QVERIFY(QTest::qWaitForWindowActive(screen.get()));
+        QCOMPARE(line(screen.get(), "DataPac NUI Password:")->text(), QStringLiteral("NuiSecret"));
+        type(screen.get(), "Telephone", "5550199");
+        QTest::keyClick(screen.get(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(o.prompter.messages().size(), 0);
+        QVERIFY(o.rows().contains("N|5550199"));
+        QCOMPARE(o.db->scalar("Select ParamValue From edtparams Where ParamName='W'").toString(),
+                 sealed);
+    }
+
     void waitingKeepsTheScreenAlive() {
         QStringList statuses;
         RepaintingWait wait([&statuses](const QString& text) { statuses << text; });
