@@ -127,6 +127,9 @@ LogonOutcome EdtLogon::dataPacFailed(const Seen& seen) {
         while (reason.startsWith(QLatin1Char('-')) || reason.startsWith(QLatin1Char(':'))) {
             reason = reason.mid(1).trimmed();
         }
+        if (reason.isEmpty()) {
+            reason = QStringLiteral("the network cleared the call");
+        }
         tell(EdtEvent::Error, QStringLiteral("Could not log on to Bell DataPac."));
         tell(EdtEvent::Error, QStringLiteral("Reason: ") + reason);
         return LogonOutcome::DataPacRefused;
