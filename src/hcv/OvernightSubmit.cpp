@@ -7,6 +7,7 @@
 #include "foundation/SqlText.h"
 #include "hcv/OvernightBatch.h"
 #include "hcv/OvernightFiles.h"
+#include "ministry/SubmitSummary.h"
 #include "ministry/TransferWait.h"
 #include "patients/PatientEntry.h"
 
@@ -36,29 +37,6 @@ QDateTime storedMoment(const QVariant& value) {
     }
     const QDateTime moment = QDateTime::fromString(text, Qt::ISODate);
     return moment.isValid() ? moment : QDateTime(QDate::fromString(text, Qt::ISODate), QTime());
-}
-
-QStringList summary(int sent, int files) {
-    const QString success = QStringLiteral(" submitted successfully.");
-    if (sent == 0) {
-        return {QStringLiteral("No files were submitted.")};
-    }
-    if (sent == files) {
-        if (sent == 1) {
-            return {QStringLiteral("The file was") + success};
-        }
-        if (sent == 2) {
-            return {QStringLiteral("Both files were") + success};
-        }
-        return {QStringLiteral("All %1 files were").arg(sent) + success};
-    }
-    const int failed = files - sent;
-    return {QStringLiteral("%1 file%2 submitted successfully,")
-                .arg(sent)
-                .arg(sent == 1 ? QStringLiteral(" was") : QStringLiteral("s were")),
-            QStringLiteral("%1 file%2 not submitted.")
-                .arg(failed)
-                .arg(failed == 1 ? QStringLiteral(" was") : QStringLiteral("s were"))};
 }
 
 }  // namespace
@@ -149,7 +127,7 @@ int OvernightBatch::submit(const QString& batchId, TransferMethod method, Transf
                              sqltext::quoteValue(name)));
     }
     wait.status({});
-    m_prompter.tell(kSubmitTitle, summary(sent, int(files.size())), Icon::Information);
+    m_prompter.tell(kSubmitTitle, submitSummary(sent, int(files.size())), Icon::Information);
     return sent;
 }
 

@@ -1,7 +1,6 @@
 #include "ministry/FolderExchange.h"
 
 #include "foundation/Clock.h"
-#include "foundation/DateText.h"
 #include "foundation/Prompter.h"
 #include "ministry/TransferFiles.h"
 #include "ministry/TransferWait.h"
@@ -152,12 +151,8 @@ bool FolderExchange::take(const QString& name) {
     const QString target = download + name;
     QString problem;
     const std::optional<QByteArray> bytes = transferfiles::readAll(source, &problem);
-    if (bytes && QFileInfo::exists(target)) {
-        // An earlier file of the same name is kept under another name unless it is this one.
-        const std::optional<QByteArray> earlier = transferfiles::readAll(target, &problem);
-        if (earlier && *earlier != *bytes) {
-            problem = keepEarlier(name);
-        }
+    if (bytes) {
+        problem = transferfiles::makeRoom(download, name, *bytes, m_clock.now());
     }
     if (bytes && problem.isEmpty()) {
         problem = transferfiles::place(*bytes, target, download);
@@ -176,20 +171,6 @@ bool FolderExchange::take(const QString& name) {
         return false;
     }
     return true;
-}
-
-QString FolderExchange::keepEarlier(const QString& name) {
-    const QString download = path(kDownload + QLatin1Char('/'));
-    const QString stem = name + QLatin1Char('.') + datetext::stamp(m_clock.now());
-    QString kept = stem;
-    for (int n = 2; QFileInfo::exists(download + kept); ++n) {
-        kept = stem + QLatin1Char('-') + QString::number(n);
-    }
-    if (!QFile::rename(download + name, download + kept)) {
-        return QStringLiteral("The earlier %1 in %2 could not be kept as %3.")
-            .arg(name, download, kept);
-    }
-    return {};
 }
 
 }  // namespace brimsett

@@ -44,7 +44,6 @@ public:
 
 private:
     bool take(const QString& name);
-    QString keepEarlier(const QString& name);
     QString path(const QString& relative) const { return m_office + relative; }
     void fail(const QStringList& lines);
 

@@ -1,5 +1,7 @@
 #include "ministry/TransferFiles.h"
 
+#include "foundation/DateText.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -56,6 +58,28 @@ QString place(const QByteArray& bytes, const QString& target, const QString& sta
             cannotWrite.arg(target, QString::fromLocal8Bit(std::strerror(errno)));
         file.remove();
         return problem;
+    }
+    return {};
+}
+
+QString makeRoom(const QString& folder, const QString& name, const QByteArray& bytes,
+                 const QDateTime& now) {
+    if (!QFileInfo::exists(folder + name)) {
+        return {};
+    }
+    QString problem;
+    const std::optional<QByteArray> earlier = readAll(folder + name, &problem);
+    if (!earlier || *earlier == bytes) {
+        return problem;
+    }
+    const QString stem = name + QLatin1Char('.') + datetext::stamp(now);
+    QString kept = stem;
+    for (int n = 2; QFileInfo::exists(folder + kept); ++n) {
+        kept = stem + QLatin1Char('-') + QString::number(n);
+    }
+    if (!QFile::rename(folder + name, folder + kept)) {
+        return QStringLiteral("The earlier %1 in %2 could not be kept as %3.")
+            .arg(name, folder, kept);
     }
     return {};
 }

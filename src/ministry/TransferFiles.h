@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +23,13 @@ std::optional<QByteArray> readAll(const QString& path, QString* problem);
 // folder never sees half a file. The staging folder must be on the same drive as the target.
 // Empty when done, otherwise the problem.
 QString place(const QByteArray& bytes, const QString& target, const QString& stagingFolder);
+
+// Makes room in folder (ending in "/") for a file of `name` arriving with `bytes`: an earlier
+// file of that name with other content is kept as name + "." + the moment's stamp (then
+// "-2", "-3", ...); one with the same content is simply replaced. Empty when done, otherwise
+// the problem.
+QString makeRoom(const QString& folder, const QString& name, const QByteArray& bytes,
+                 const QDateTime& now);
 
 // The names of the files in a folder, in name order, leaving out folders and hidden files
 // (a file still being written under a hidden name is not taken); empty when it is missing.
