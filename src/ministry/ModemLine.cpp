@@ -1,5 +1,7 @@
 #include "ministry/ModemLine.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <climits>
 
@@ -146,6 +148,25 @@ QByteArray ModemLine::read(std::chrono::milliseconds wait) {
         tell(EdtEvent::Received, QString::fromLatin1(text));
     }
     return text;
+}
+
+bool ModemLine::check() {
+    if (!m_port.isOpen() || m_lost) {
+        return false;
+    }
+    pollfd line{static_cast<int>(m_port.handle()), POLLIN, 0};
+    if (poll(&line, 1, 0) < 0 || (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+        return lose();
+    }
+    // A pseudo-terminal cannot tell its modem signals; a port that can and shows no carrier
+    // has lost the call.
+    const QSerialPort::PinoutSignals pins = m_port.pinoutSignals();
+    const bool known = m_port.error() == QSerialPort::NoError;
+    m_port.clearError();
+    if (known && !(pins & QSerialPort::DataCarrierDetectSignal)) {
+        return lose();
+    }
+    return true;
 }
 
 void ModemLine::close() {

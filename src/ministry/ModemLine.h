@@ -55,6 +55,9 @@ public:
     // What arrives within `wait` (returns as soon as anything is there); empty on time-out
     // or when the line is lost.
     QByteArray read(std::chrono::milliseconds wait);
+    // After the line was lent out (to a file transfer run on handle()): false, and the line
+    // lost, when the far end hung up or the modem shows no carrier where the port can tell.
+    bool check();
     // Drops data terminal ready (a modem set to do so hangs up) and closes the port.
     void close();
 
