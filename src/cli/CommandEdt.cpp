@@ -2,6 +2,7 @@
 #include "cli/CliSession.h"
 #include "foundation/DateText.h"
 #include "foundation/SqlLog.h"
+#include "ministry/EdtHostSettings.h"
 #include "ministry/EdtParams.h"
 #include "ministry/EdtPasswordReminder.h"
 #include "ministry/EdtPasswordSeal.h"
@@ -144,6 +145,14 @@ int show(CliSession& session, const CliArgs& args) {
     out << "Line Speed: " << general.value(EdtParams::kSpeed) << "\n";
     out << "Time-out (seconds): "
         << general.value(EdtParams::kTimeOut, QString::number(EdtParams::kDefaultTimeOut)) << "\n";
+    // The network's and host's settings an office changed from their defaults.
+    for (const edthost::Setting& setting : edthost::settings()) {
+        const QString value = general.value(setting.key).trimmed();
+        if (!value.isEmpty()) {
+            out << setting.label << ": " << (setting.secret ? QStringLiteral("set") : value)
+                << "\n";
+        }
+    }
     if (const std::optional<QStringList> reminder = passwordReminder(
             session.settings().edtPasswordReminder, login, p.doctorId, session.clock().today())) {
         out << reminder->join(' ') << "\n";

@@ -52,6 +52,18 @@ private slots:
                                 "Line Speed: 9600,n,8,1\nTime-out (seconds): 60\n")
                      .arg(today));
 
+        // DataPac and GONet settings show when an office changed them; a password only as set.
+        QCOMPARE(run({"sql",
+                      "Insert Into edtparams Values ('U', 'NUI123'), ('W', 's1:sealed'),"
+                      " ('M', 'MENU:')"})
+                     .status,
+                 0);
+        QVERIFY(run({"edt", "show", "JS"})
+                    .out.endsWith("Time-out (seconds): 60\nDataPac NUI: NUI123\n"
+                                  "DataPac NUI Password: set\nGONet Main Menu: MENU:\n"));
+        QCOMPARE(run({"sql", "Delete From edtparams Where ParamName In ('U', 'W', 'M')"}).status,
+                 0);
+
         const QString stored = rows();
         QCOMPARE(run({"edt", "setup", "JS", "--user", "jsmith2"}).out,
                  QStringLiteral("EDT login of JS saved.\n"));
