@@ -1,5 +1,6 @@
 #include "OfficeFixture.h"
 
+#include "ministry/EdtHostSettings.h"
 #include "ministry/EdtParams.h"
 #include "ministry/EdtPasswordSeal.h"
 
@@ -125,6 +126,37 @@ private slots:
         QCOMPARE(login.password, std::optional<QString>("oldpass"));
         QCOMPARE(login.passwordChanged, QDate(2020, 1, 5));  // not a change of password
         QCOMPARE(login.changeMarker, QString());
+    }
+
+    // The network's password among the general settings is kept sealed like the doctors'.
+    void networkPassword_data() {
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("kept");
+        row("fits", "Nui'Secret|1", true);
+        row("one too long", "01234567890123456789012345678", false);
+    }
+    void networkPassword() {
+        QFETCH(QString, password);
+        QFETCH(bool, kept);
+        Office o;
+        const QMap<QChar, QString> general{{edthost::kNui, "NUI123"},
+                                           {edthost::kNuiPassword, password}};
+        QCOMPARE(o.params.save({general, {}, {}, {}, {}}), kept);
+        if (!kept) {
+            QCOMPARE(o.prompter.last().text(),
+                     QStringLiteral("The DataPac NUI Password was not saved.\n"
+                                    "The password can be at most 28 characters."));
+            QCOMPARE(o.rows(), QStringList());
+            return;
+        }
+        const QString stored = o.params.general().value(edthost::kNuiPassword);
+        QVERIFY(EdtPasswordSeal::isSealed(stored) && !stored.contains(password));
+        QCOMPARE(o.params.generalSecret(edthost::kNuiPassword), std::optional<QString>(password));
+        // Saved again as it reads, it is not sealed anew.
+        QMap<QChar, QString> again = o.params.general();
+        again.insert(edthost::kNuiPassword, password);
+        QVERIFY(o.params.save({again, {}, {}, {}, {}}));
+        QCOMPARE(o.params.general().value(edthost::kNuiPassword), stored);
     }
 
     void userIds_data() {
