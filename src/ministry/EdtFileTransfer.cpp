@@ -44,7 +44,7 @@ public:
 
     void giveBack() const {
         if (m_saved) {
-            tcsetattr(m_fd, TCSANOW, &m_settings);
+            tcsetattr(m_fd, TCSADRAIN, &m_settings);
         }
         if (m_flags >= 0) {
             fcntl(m_fd, F_SETFL, m_flags);
@@ -81,12 +81,12 @@ int EdtFileTransfer::sendSeconds(qint64 bytes, int baud, int timeOutSeconds) {
 }
 
 TransferOutcome EdtFileTransfer::fail(TransferOutcome outcome, const QString& why) {
-    if (!why.isEmpty()) {
-        tell(EdtEvent::Error, why);
-    }
-    // A line that went is told by the line itself, once.
+    // A line that went says so itself, once, and explains the rest.
     if (outcome == TransferOutcome::Lost || !m_line.check()) {
         return TransferOutcome::Lost;
+    }
+    if (!why.isEmpty()) {
+        tell(EdtEvent::Error, why);
     }
     tell(EdtEvent::Error, kAborted);
     return outcome;
