@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
-          libqt6sql6-psql qt6-serialport-dev libsqlite3-dev libssl-dev fonts-dejavu-core)
+          libqt6sql6-psql qt6-serialport-dev libsqlite3-dev libssl-dev fonts-dejavu-core lrzsz)
 # The tests run every database test on a throwaway PostgreSQL server too.
 if [ "${1:-run}" = test ]; then packages+=(postgresql); fi
 missing=()
