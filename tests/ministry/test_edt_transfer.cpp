@@ -140,7 +140,7 @@ void TestEdtTransfer::init() {
 void TestEdtTransfer::upload_data() {
     // Each file's host: "ok" confirms, "menu" confirms by showing its menu again, "missing"
     // (the file is not in the office), "abort" cancels the transfer, "drop" hangs up during
-    // it, "silent" never gives the go-ahead.
+    // it, "silent" never gives the go-ahead, "mute" gives it and then takes nothing.
     QTest::addColumn<QStringList>("hosts");
     QTest::addColumn<QStringList>("summary");
     QTest::addColumn<QStringList>("errors");
@@ -162,6 +162,11 @@ void TestEdtTransfer::upload_data() {
                                   << QStringList{"No files were submitted."}
                                   << QStringList{"LOST CONNECTION", "Upload was not successful."}
                                   << QList<bool>{false, false};
+    QTest::newRow("transfer past its time")
+        << QStringList{"mute"} << QStringList{"No files were submitted."}
+        << QStringList{"The file transfer took longer than 43 seconds.", "ABORTED",
+                       "Time out error occurred."}
+        << QList<bool>{false};
     QTest::newRow("no go-ahead") << QStringList{"silent"} << QStringList{"No files were submitted."}
                                  << QStringList{"WaitFor Timed Out!", "Time out error occurred."}
                                  << QList<bool>{false};
