@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 
 namespace brimsett {
 
@@ -147,7 +148,9 @@ TransferOutcome EdtFileTransfer::run(const QString& program, const QStringList& 
     if (line < 0 || m_line.lost()) {
         return TransferOutcome::Lost;
     }
-    m_cancelled = false;
+    if (m_cancelled) {
+        return fail(TransferOutcome::Aborted, {});
+    }
     const LentLine lent(line);
 
     QProcess process;

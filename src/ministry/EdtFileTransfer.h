@@ -56,7 +56,8 @@ public:
     TransferOutcome receive(const QString& folder, const QDateTime& now, int seconds,
                             QStringList* received);
 
-    // Stops a running transfer from another thread; it ends Aborted.
+    // Stops a running transfer from another thread (it ends Aborted), and every later one
+    // before it starts: the session is being cancelled.
     void cancel() { m_cancelled = true; }
 
 private:

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <thread>
+
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -140,7 +142,8 @@ void TestEdtTransfer::init() {
 void TestEdtTransfer::upload_data() {
     // Each file's host: "ok" confirms, "menu" confirms by showing its menu again, "missing"
     // (the file is not in the office), "abort" cancels the transfer, "drop" hangs up during
-    // it, "silent" never gives the go-ahead, "mute" gives it and then takes nothing.
+    // it, "silent" never gives the go-ahead, "mute" gives it and then takes nothing, "cancel"
+    // is mute and the user cancels meanwhile.
     QTest::addColumn<QStringList>("hosts");
     QTest::addColumn<QStringList>("summary");
     QTest::addColumn<QStringList>("errors");
@@ -167,6 +170,9 @@ void TestEdtTransfer::upload_data() {
         << QStringList{"The file transfer took longer than 43 seconds.", "ABORTED",
                        "Time out error occurred."}
         << QList<bool>{false};
+    QTest::newRow("cancelled") << QStringList{"cancel"} << QStringList{"No files were submitted."}
+                               << QStringList{"ABORTED", "Upload was not successful."}
+                               << QList<bool>{false};
     QTest::newRow("no go-ahead") << QStringList{"silent"} << QStringList{"No files were submitted."}
                                  << QStringList{"WaitFor Timed Out!", "Time out error occurred."}
                                  << QList<bool>{false};
@@ -246,7 +252,21 @@ void TestEdtTransfer::upload() {
     EdtUpload upload(*o.db, o.prompter, o.clock, o.log, session, events.sink(), transfer,
                      o.office.folder(), kTimeOut, 57600);
     QCOMPARE(upload.unsubmitted("D1"), names);
+    std::thread user;
+    if (hosts.contains("cancel")) {
+        user = std::thread([&transfer] {
+            std::this_thread::sleep_for(300ms);
+            transfer.cancel();
+        });
+    }
+    QElapsedTimer took;
+    took.start();
     const EdtUpload::Result result = upload.run("D1");
+    if (user.joinable()) {
+        user.join();
+        // Well before the transfer's own limit.
+        QVERIFY2(took.elapsed() < 1500, qPrintable(QString::number(took.elapsed())));
+    }
     for (const auto& [k, t] : events.all)
         qDebug() << int(k) << t.left(200);
     QCOMPARE(result.summary, summary);
