@@ -61,7 +61,7 @@ EdtDownload::Result EdtDownload::run() {
         if (!m_session.send(m_menu.downloadAll + QLatin1Char('\r'))) {
             return failed(transferFailed());
         }
-        const QString next = kStarted + QLatin1Char(';') + m_menu.prompt;
+        const QString next = kStarted + QLatin1Char(';') + m_menu.shown;
         TextSeen seen = m_session.waitFor(next, m_timeOut);
         while (seen && seen.index == 0) {
             const TransferOutcome outcome = m_transfer.receive(

@@ -86,9 +86,9 @@ EdtUpload::Sent EdtUpload::upload(const QString& name, bool& atMenu) {
     }
     const QString timedOut = QStringLiteral("Time out error occurred.");
     const QString notSent = QStringLiteral("Upload was not successful.");
-    // After a confirmation the host shows its menu again; its prompt comes before a choice.
+    // After a confirmation the host shows its menu again, before it takes another choice.
     if (!atMenu) {
-        const TextSeen menu = m_session.waitFor(m_menu.prompt, m_timeOut);
+        const TextSeen menu = m_session.waitFor(m_menu.shown, m_timeOut);
         if (!menu) {
             error(menu.lost ? notSent : timedOut);
             return Sent::Stop;
@@ -119,7 +119,7 @@ EdtUpload::Sent EdtUpload::upload(const QString& name, bool& atMenu) {
             return Sent::No;
     }
     const TextSeen confirmed =
-        m_session.waitFor(kConfirmed + QLatin1Char(';') + m_menu.prompt, m_timeOut);
+        m_session.waitFor(kConfirmed + QLatin1Char(';') + m_menu.shown, m_timeOut);
     if (!confirmed) {
         error(confirmed.lost ? notSent : timedOut);
         return confirmed.lost ? Sent::Stop : Sent::No;

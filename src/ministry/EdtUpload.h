@@ -16,7 +16,7 @@ class Prompter;
 class SqlLog;
 
 // Sends a doctor's unsubmitted claim files to the ministry host once the session is logged on
-// and the host shows its main menu (its prompt already seen). Each file: the upload function
+// and the host's main menu was seen (where the logon leaves it). Each file: the upload function
 // chosen, the host's go-ahead awaited, the file sent, the host's confirmation awaited, and
 // only then its batches get their `SubmitDate` (one transaction per file). Every step goes to
 // the session's events.
