@@ -15,26 +15,25 @@ int fetchAnswers(CliSession& session, const CliArgs& args) {
     if (!options) {
         return args.usageError(problem);
     }
-    if (session.open() == nullptr) {
-        return fail(QStringLiteral("the database is not available"));
+    int status = 0;
+    const std::optional<TransferOptions::Settled> settled = options->settle(session, args, &status);
+    if (!settled) {
+        return status;
     }
-    const TransferMethod method = options->methodFor(session);
-    const std::optional<TransferPlaces> places = options->places(session, method, &problem);
-    if (!places) {
-        return args.usageError(problem);
-    }
+    const TransferMethod method = settled->method;
+    const TransferPlaces& places = settled->places;
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     SleepingWait wait;
     ClaimTransfer transfer(session.db(), session.store(), session.clock(), session.prompter(), wait,
-                           log, *places);
+                           log, places);
     const std::optional<QStringList> files = transfer.fetchAnswers(options->word, method);
     if (!files) {
         return 1;  // the reason went to standard error
     }
     // Where the reading screens will find them: the disk itself, or the office's downloads.
     const QDir folder(method == TransferMethod::Disk
-                          ? places->diskFolder
-                          : places->officeFolder + FolderExchange::kDownload);
+                          ? places.diskFolder
+                          : places.officeFolder + FolderExchange::kDownload);
     for (const QString& name : *files) {
         session.out() << QDir::cleanPath(folder.absoluteFilePath(name)) << "\n";
     }

@@ -49,19 +49,18 @@ int submit(CliSession& session, const CliArgs& args) {
     if (!options) {
         return args.usageError(problem);
     }
-    if (session.open() == nullptr) {
-        return fail(QStringLiteral("the database is not available"));
+    int status = 0;
+    const std::optional<TransferOptions::Settled> settled = options->settle(session, args, &status);
+    if (!settled) {
+        return status;
     }
-    const TransferMethod method = options->methodFor(session);
-    const std::optional<TransferPlaces> places = options->places(session, method, &problem);
-    if (!places) {
-        return args.usageError(problem);
-    }
+    const TransferMethod method = settled->method;
+    const TransferPlaces& places = settled->places;
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     hcv::OvernightBatch batch(session.db(), session.store(), session.clock(), session.prompter(),
                               log, session.paths().folder());
     SleepingWait wait;
-    const int sent = batch.submit(options->word, method, wait, places->diskFolder);
+    const int sent = batch.submit(options->word, method, wait, places.diskFolder);
     session.out() << sent << (sent == 1 ? " file" : " files") << " submitted\n";
     return sent > 0 ? 0 : 1;
 }

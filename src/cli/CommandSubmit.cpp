@@ -26,18 +26,17 @@ int submit(CliSession& session, const CliArgs& args) {
         }
         fileName = given.fileName();
     }
-    if (session.open() == nullptr) {
-        return fail(QStringLiteral("the database is not available"));
+    int status = 0;
+    const std::optional<TransferOptions::Settled> settled = options->settle(session, args, &status);
+    if (!settled) {
+        return status;
     }
-    const TransferMethod method = options->methodFor(session);
-    const std::optional<TransferPlaces> places = options->places(session, method, &problem);
-    if (!places) {
-        return args.usageError(problem);
-    }
+    const TransferMethod method = settled->method;
+    const TransferPlaces& places = settled->places;
     const SqlLog log(session.paths(), session.settings().sqlLogOn());
     SleepingWait wait;
     ClaimTransfer transfer(session.db(), session.store(), session.clock(), session.prompter(), wait,
-                           log, *places);
+                           log, places);
     if (!transfer.submit(fileName, method)) {
         return 1;  // the reason went to standard error
     }

@@ -7,6 +7,23 @@
 
 namespace brimsett {
 
+std::optional<TransferOptions::Settled> TransferOptions::settle(CliSession& session,
+                                                                const CliArgs& args,
+                                                                int* status) const {
+    if (session.open() == nullptr) {
+        *status = fail(QStringLiteral("the database is not available"));
+        return std::nullopt;
+    }
+    const TransferMethod method = methodFor(session);
+    QString problem;
+    std::optional<TransferPlaces> settledPlaces = places(session, method, &problem);
+    if (!settledPlaces) {
+        *status = args.usageError(problem);
+        return std::nullopt;
+    }
+    return Settled{method, std::move(*settledPlaces)};
+}
+
 QList<CliOption> TransferOptions::declared() {
     return {{QStringLiteral("method"), QStringLiteral("disk|folder"),
              QStringLiteral("the way to the ministry (else the \"SubmitMethod\" setting)")},

@@ -29,6 +29,15 @@ struct TransferOptions {
     // no --to, or --to was given for another method.
     std::optional<TransferPlaces> places(CliSession& session, TransferMethod method,
                                          QString* problem) const;
+
+    // What every transfer command does next: opens the office's database, then settles the
+    // method and the places. None when it cannot, with the command's exit status in *status
+    // (the reason already told).
+    struct Settled {
+        TransferMethod method;
+        TransferPlaces places;
+    };
+    std::optional<Settled> settle(CliSession& session, const CliArgs& args, int* status) const;
 };
 
 // The command line waits by sleeping, and shows the count on standard error.
