@@ -24,8 +24,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kSecond = 50ms;
-constexpr int kTimeOut = 40;  // two seconds of waiting at kSecond
+// Long enough that sz and rz starting on a loaded machine never meet a limit meant for a
+// stalled line; the time-out cases still end within seconds.
+constexpr auto kSecond = 150ms;
+constexpr int kTimeOut = 40;  // six seconds of waiting at kSecond
 const QString kSpeed = QStringLiteral("57600,n,8,1");
 const QByteArray kGoAhead = "\r\nPLEASE BEGIN YOUR UPLOAD NOW\r\n";
 const QByteArray kPrompt = "\r\nMAIN MENU\r\nSELECTION:";
@@ -264,11 +266,10 @@ void TestEdtTransfer::upload() {
     const EdtUpload::Result result = upload.run("D1");
     if (user.joinable()) {
         user.join();
-        // Well before the transfer's own limit.
-        QVERIFY2(took.elapsed() < 1500, qPrintable(QString::number(took.elapsed())));
+        // Well before the transfer's own limit (the time-out and the file's own time).
+        QVERIFY2(took.elapsed() < kTimeOut * kSecond.count() / 2,
+                 qPrintable(QString::number(took.elapsed())));
     }
-    for (const auto& [k, t] : events.all)
-        qDebug() << int(k) << t.left(200);
     QCOMPARE(result.summary, summary);
     QCOMPARE(result.files, int(hosts.size()));
     QCOMPARE(result.sent, int(submitted.count(true)));
