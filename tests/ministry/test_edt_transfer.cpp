@@ -143,7 +143,7 @@ void TestEdtTransfer::init() {
 
 void TestEdtTransfer::upload_data() {
     // Each file's host: "ok" confirms, "menu" confirms by showing its menu again, "missing"
-    // (the file is not in the office), "abort" cancels the transfer, "drop" hangs up during
+    // (the file is not in the office), "drop" hangs up during
     // it, "silent" never gives the go-ahead, "mute" gives it and then takes nothing, "cancel"
     // is mute and the user cancels meanwhile.
     QTest::addColumn<QStringList>("hosts");
@@ -158,11 +158,6 @@ void TestEdtTransfer::upload_data() {
         << QStringList{"2 files were submitted successfully,", "1 file was not submitted."}
         << QStringList{"The file to be submitted (HB000002.003) does not exist."}
         << QList<bool>{true, false, true};
-    QTest::newRow("one of three aborted")
-        << QStringList{"abort", "ok", "menu"}
-        << QStringList{"2 files were submitted successfully,", "1 file was not submitted."}
-        << QStringList{"sz ended with status 128.", "ABORTED", "Upload was not successful."}
-        << QList<bool>{false, true, true};
     QTest::newRow("line dropped") << QStringList{"drop", "ok"}
                                   << QStringList{"No files were submitted."}
                                   << QStringList{"LOST CONNECTION", "Upload was not successful."}
@@ -234,13 +229,6 @@ void TestEdtTransfer::upload() {
             });
             modem.answer(behaviour == QLatin1String("ok") ? "\r\nTRANSFER SUCCESSFUL\r\n" + kPrompt
                                                           : kPrompt);
-        } else if (behaviour == QLatin1String("abort")) {
-            modem.run([](int fd, QByteArray&) {
-                const bool started = drain(fd, 5000, "rz\r");
-                return write(fd, kCancel.constData(), kCancel.size()) == kCancel.size() &&
-                       drain(fd, 500) && started;
-            });
-            modem.answer("\r\nTRANSFER ABORTED\r\n" + kPrompt);
         } else if (behaviour == QLatin1String("drop")) {
             modem.run([](int fd, QByteArray&) { return drain(fd, 5000, "rz\r"); }).drop();
         }
